@@ -1,0 +1,26 @@
+// The command line. Any argument at all gives the windowed show; a few
+// options do more than that, and unknown ones are no error.
+#pragma once
+
+#include <string>
+
+struct ShowOptions {
+    bool windowed = false;    // any argument
+    bool help = false;        // --help, -h: print usage and exit 0
+    bool version = false;     // --version: print the version and exit 0
+    bool noSound = false;     // --nosound: no audio device, no soundtrack
+    int fps = 0;              // --fps N: the fixed-step clock at N frames/s (1..240); 0: the wall clock
+    std::string capturePath;  // --capture PATH: PNG frames in a directory, or a .mp4/.mkv/.webm video
+    bool verbose = false;     // --verbose: a line per part on standard error
+    std::string error;        // a known option with a bad value; the show does not start
+};
+
+constexpr int MAX_FIXED_FPS = 240;
+constexpr int CAPTURE_DEFAULT_FPS = 30;
+
+ShowOptions parseShowOptions(int argc, char** argv);
+
+// The text --help prints.
+const char* showUsage();
+// The text --version prints.
+const char* showVersion();

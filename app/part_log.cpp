@@ -1,0 +1,52 @@
+#include "app/part_log.h"
+
+#include "app/status_line.h"
+#include "audio/music.h"
+
+#include <chrono>
+
+bool g_verbose = false;
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+struct PartTimes {
+    Clock::time_point setupStarted;
+    Clock::time_point drawingStarted;
+    long frames = 0;
+};
+PartTimes g_current;
+
+double secondsSince(Clock::time_point start) { return std::chrono::duration<double>(Clock::now() - start).count(); }
+
+}  // namespace
+
+void partSetupBegins(int32_t) {
+    if (g_verbose) {
+        g_current = PartTimes{};
+        g_current.setupStarted = Clock::now();
+    }
+}
+
+void partSetupEnds(int32_t part) {
+    if (!g_verbose) {
+        return;
+    }
+    printLogLine("part %d set up at demo time %.3f in %.1f ms", part, static_cast<double>(g_demoTime),
+                 secondsSince(g_current.setupStarted) * 1000.0);
+    g_current.drawingStarted = Clock::now();
+}
+
+void partFrameDrawn(int32_t part, bool ended) {
+    if (!g_verbose) {
+        return;
+    }
+    ++g_current.frames;
+    if (ended) {
+        const double seconds = secondsSince(g_current.drawingStarted);
+        printLogLine("part %d ended at demo time %.3f: %ld frames, %.1f frames/s", part,
+                     static_cast<double>(g_demoTime), g_current.frames,
+                     seconds > 0.0 ? static_cast<double>(g_current.frames) / seconds : 0.0);
+    }
+}

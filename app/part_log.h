@@ -1,0 +1,14 @@
+// --verbose: one line on standard error when a part's set-up ends (part, demo
+// time, how long the set-up took) and one when the part ends (frames drawn
+// and frames per second over the part), so that a slow part shows at a glance.
+#pragma once
+
+#include <cstdint>
+
+extern bool g_verbose;
+
+// Around a part's set-up (part 1's runs inside its first draw step).
+void partSetupBegins(int32_t part);
+void partSetupEnds(int32_t part);
+// After each draw step of `part`; `ended` when the step moved the counter on.
+void partFrameDrawn(int32_t part, bool ended);

@@ -1,0 +1,33 @@
+// The part sequencer: one GLUT callback that, by a state counter, runs each
+// demo part's set-up once and its draw step every frame, then the end path.
+//
+// g_partCounter: 0 before the first part; 2k-2 part k (2..13) not yet set up;
+// 2k-1 part k playing; PART_COUNTER_END the end.
+#pragma once
+
+#include <cstdint>
+
+constexpr int32_t PART_COUNT = 13;
+constexpr int32_t PART_COUNTER_END = 26;
+
+extern int32_t g_partCounter;
+// The part-local clock, in demo-time units: every set-up ends with
+// g_partStart = g_partTime; every draw step sets g_partTime = g_demoTime - g_partStart.
+extern float g_partStart;
+extern float g_partTime;
+
+struct PartSteps {
+    void (*setup)();
+    void (*draw)();
+};
+
+// The steps of parts 1..13 (index 0..12). The show's own unless a test replaces them.
+extern const PartSteps* g_partSteps;
+// What the end state runs: runEndPath unless a test replaces it.
+extern void (*g_endPath)();
+
+// The display and idle callback.
+void onFrame();
+// Restores the display (when switched), frees the audio, completes a capture,
+// prints "fps: %2.2f\n", frees the wave map and exits with status 0.
+[[noreturn]] void runEndPath();

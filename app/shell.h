@@ -1,0 +1,30 @@
+// The application shell: start-up, the window, the GL start state, input, and
+// the frame counter whose average the end of the show prints.
+#pragma once
+
+#include <cstdint>
+
+struct Library;
+
+extern int32_t g_fullscreen;     // 1: fullscreen after a display-mode switch; 0 (any argument): windowed
+extern int32_t g_frameCount;     // frames drawn since startFrameCounter; every draw step adds 1 before its swap
+extern int32_t g_fpsStartClock;  // milliseconds, the wall clock's reading at startFrameCounter
+extern Library* g_library;       // the one archive record, allocated by initGlState, never freed
+
+// The start state every demo part begins from, and the archive record.
+void initGlState();
+
+// GLUT callbacks: Escape or any mouse press moves the sequencer to its end
+// state; r prints the demo time ("%f\n", tenths of a second).
+void onKey(unsigned char key, int x, int y);
+void onMouse(int button, int state, int x, int y);
+// The window was closed (window manager's close button, Alt-F4): end like Escape.
+void onWindowClose();
+
+// Zeroes g_frameCount and takes the wall clock. Called once, at the end of part 1's set-up.
+void startFrameCounter();
+// Average frames per second since startFrameCounter.
+double framesPerSecond();
+// (frames * 1000, as a 32-bit int) / (nowMillis - startMillis, as a 32-bit int),
+// in double; 0 when no frame was counted or no time has passed.
+double framesPerSecondAt(int32_t frames, int32_t startMillis, int32_t nowMillis);

@@ -1,0 +1,75 @@
+#include "audio/fixed_step_clock.h"
+
+#include "audio/clock.h"
+#include "audio/level_meter.h"
+#include "audio/music.h"
+#include "audio/pcm_decoder.h"
+
+#include <cmath>
+
+namespace {
+
+struct FixedStep {
+    bool active = false;
+    int fps = 30;
+    long frames = 0;            // frames swapped so far
+    DecodedAudio soundtrack;    // empty for a silent show
+    uint32_t songMillis = 0;    // the soundtrack's length, 0 for none
+};
+FixedStep g_fixedStep;
+
+uint32_t fixedStepMillis() {
+    const double exact = static_cast<double>(g_fixedStep.frames) * 1000.0 / g_fixedStep.fps;
+    const uint32_t now = static_cast<uint32_t>(std::llround(exact));
+    // The soundtrack reached its end and starts again: the end sync's move of the zero.
+    if (g_fixedStep.songMillis > 0) {
+        while (static_cast<int32_t>(now - g_musicStartTick.load()) >= static_cast<int32_t>(g_fixedStep.songMillis)) {
+            g_musicStartTick.store(g_musicStartTick.load() + g_fixedStep.songMillis);
+        }
+    }
+    return now;
+}
+
+// The 20 ms of the soundtrack that ends at the current song position.
+uint32_t fixedStepLevel(AudioHandle) {
+    const size_t songFrames = g_fixedStep.soundtrack.frames();
+    if (songFrames < LEVEL_WINDOW_FRAMES) {
+        return 0xFFFFFFFFu;
+    }
+    const int32_t elapsed = static_cast<int32_t>(fixedStepMillis() - g_musicStartTick.load());
+    const long long position = static_cast<long long>(elapsed < 0 ? 0 : elapsed) * OUTPUT_RATE / 1000;
+    int16_t window[LEVEL_WINDOW_FRAMES * 2];
+    for (size_t i = 0; i < LEVEL_WINDOW_FRAMES; ++i) {
+        // Before the song's start the window reaches back into silence.
+        const long long frame = position - static_cast<long long>(LEVEL_WINDOW_FRAMES) + static_cast<long long>(i);
+        const bool inside = frame >= 0;
+        const size_t index = inside ? static_cast<size_t>(frame) % songFrames : 0;
+        window[2 * i] = inside ? g_fixedStep.soundtrack.samples[2 * index] : 0;
+        window[2 * i + 1] = inside ? g_fixedStep.soundtrack.samples[2 * index + 1] : 0;
+    }
+    return packedPeakLevel(window, LEVEL_WINDOW_FRAMES);
+}
+
+}  // namespace
+
+bool startFixedStepClock(int fps, const std::string& soundtrackPath, std::string* error) {
+    g_fixedStep = FixedStep{};
+    g_fixedStep.fps = fps;
+    if (!soundtrackPath.empty()) {
+        if (!decodeSoundtrack(soundtrackPath, &g_fixedStep.soundtrack, error)) {
+            return false;
+        }
+        g_fixedStep.songMillis =
+            static_cast<uint32_t>(std::llround(g_fixedStep.soundtrack.frames() * 1000.0 / OUTPUT_RATE));
+    }
+    g_fixedStep.active = true;
+    g_millisecondClock = fixedStepMillis;
+    g_levelSource = fixedStepLevel;
+    return true;
+}
+
+bool fixedStepClockActive() { return g_fixedStep.active; }
+
+void advanceFixedStepClock() { ++g_fixedStep.frames; }
+
+long fixedStepFrames() { return g_fixedStep.frames; }

@@ -1,0 +1,23 @@
+// The fixed-step clock: the demo clock follows the frames swapped instead of
+// the wall, so every run draws the same frames. The k-th frame swapped (k from
+// 0) sees exactly round(k * 1000 / fps) ms since startMusic, and the level is
+// the 20 ms peak of the decoded soundtrack at that moment. No audio device is
+// opened; the soundtrack's end moves the clock's zero as the end sync does.
+#pragma once
+
+#include <string>
+
+// Installs the fixed-step clock and level source at `fps` frames per second
+// (1..240). With a soundtrack path, decodes it for the levels (false and
+// `error` when it opens neither as a stream nor as a module); with an empty
+// path, levels report the no-channel value as a silent show does.
+bool startFixedStepClock(int fps, const std::string& soundtrackPath, std::string* error);
+
+// True once startFixedStepClock has succeeded.
+bool fixedStepClockActive();
+
+// One more frame has been swapped.
+void advanceFixedStepClock();
+
+// Frames swapped so far.
+long fixedStepFrames();

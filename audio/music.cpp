@@ -1,0 +1,60 @@
+#include "audio/music.h"
+
+#include "app/fatal.h"
+#include "audio/clock.h"
+
+float g_demoTime = 0.0f;
+uint32_t g_levelLeft = 0;
+uint32_t g_levelRight = 0;
+std::atomic<uint32_t> g_musicStartTick{0};
+AudioHandle g_stream = 0;
+AudioHandle g_music = 0;
+bool g_soundEnabled = true;
+
+namespace {
+constexpr int OUTPUT_FREQUENCY = 44100;
+}
+
+void openMusic(const char* fileName) {
+    if (!g_soundEnabled) {
+        return;
+    }
+    if (!audioInit(OUTPUT_FREQUENCY)) {
+        musicFatal("Can't initialize device", "(kaskade --nosound shows the show without sound)");
+    }
+    g_stream = audioStreamCreateFile(fileName);
+    if (g_stream != 0) {
+        audioChannelSetSync(g_stream, onMusicEnd);
+        return;
+    }
+    g_music = audioMusicLoad(fileName);
+    if (g_music == 0) {
+        musicFatal("Can't play the file");
+    }
+    audioChannelSetSync(g_music, onMusicEnd);
+}
+
+void startMusic() {
+    audioStart();
+    audioChannelPlay(g_stream != 0 ? g_stream : g_music, true);
+    g_musicStartTick = g_millisecondClock();
+}
+
+void updateMusicClock() {
+    const int32_t elapsed = static_cast<int32_t>(g_millisecondClock() - g_musicStartTick.load(std::memory_order_relaxed));
+    const uint32_t level = g_levelSource(g_stream != 0 ? g_stream : g_music);
+    g_levelRight = level >> 16;
+    g_levelLeft = level & 0xFFFF;
+    g_demoTime = static_cast<float>(elapsed * DEMO_TIME_SCALE);
+}
+
+void closeMusic() { audioFree(); }
+
+void musicFatal(const char* text, const char* hint) {
+    audioFree();
+    fatalReport("BASS ERROR", text, 0, FatalExit::Immediate, hint);
+}
+
+void onMusicEnd(uint32_t, uint32_t, uint32_t) {
+    g_musicStartTick.store(g_millisecondClock(), std::memory_order_relaxed);
+}

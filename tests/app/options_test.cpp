@@ -1,0 +1,55 @@
+// The command line: any argument gives a window, the show's own options, and
+// bad values for them.
+#include "app/options.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace {
+
+ShowOptions parse(std::vector<const char*> arguments) {
+    arguments.insert(arguments.begin(), "kaskade");
+    return parseShowOptions(static_cast<int>(arguments.size()), const_cast<char**>(arguments.data()));
+}
+
+TEST(ShowOptions, NoArgumentIsTheLiveFullscreenShow) {
+    const ShowOptions options = parse({});
+    EXPECT_FALSE(options.windowed);
+    EXPECT_EQ(options.fps, 0);
+    EXPECT_TRUE(options.capturePath.empty());
+    EXPECT_FALSE(options.noSound);
+    EXPECT_FALSE(options.verbose);
+}
+
+TEST(ShowOptions, AnyArgumentGivesAWindowAndUnknownOnesAreNoError) {
+    for (const char* argument : {"--window", "x", "--frobnicate", "-w"}) {
+        const ShowOptions options = parse({argument});
+        EXPECT_TRUE(options.windowed) << argument;
+        EXPECT_TRUE(options.error.empty()) << argument;
+        EXPECT_EQ(options.fps, 0) << argument;
+    }
+}
+
+TEST(ShowOptions, FpsAndCaptureInBothSpellings) {
+    EXPECT_EQ(parse({"--fps", "60"}).fps, 60);
+    EXPECT_EQ(parse({"--fps=240"}).fps, 240);
+    const ShowOptions capture = parse({"--capture", "out.mp4", "--verbose"});
+    EXPECT_EQ(capture.capturePath, "out.mp4");
+    EXPECT_EQ(capture.fps, 30) << "capture implies 30 frames per second";
+    EXPECT_TRUE(capture.verbose);
+    EXPECT_EQ(parse({"--capture=frames", "--fps", "12"}).fps, 12);
+    EXPECT_TRUE(parse({"--nosound"}).noSound);
+    EXPECT_TRUE(parse({"--help"}).help);
+    EXPECT_TRUE(parse({"--version"}).version);
+}
+
+TEST(ShowOptions, BadValuesAreRefused) {
+    for (const char* value : {"0", "241", "-5", "30fps", ""}) {
+        EXPECT_FALSE(parse({"--fps", value}).error.empty()) << value;
+    }
+    EXPECT_FALSE(parse({"--fps"}).error.empty());
+    EXPECT_FALSE(parse({"--capture"}).error.empty());
+}
+
+}  // namespace

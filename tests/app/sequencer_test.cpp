@@ -1,0 +1,167 @@
+// The part sequencer driven with recording parts: set-ups run once and in
+// order, a part change draws two frames in one call, and the end state runs
+// nothing but the end path.
+#include "app/sequencer.h"
+#include "app/shell.h"
+#include "audio/clock.h"
+#include "audio/music.h"
+
+#include <GL/freeglut.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+
+std::vector<std::string> g_events;
+bool g_partEnds[PART_COUNT + 1] = {};  // draw step k advances the counter when set
+
+template <int K>
+void recordSetup() {
+    g_events.push_back("setup " + std::to_string(K));
+}
+
+template <int K>
+void recordDraw() {
+    if (K == 1 && g_partCounter == 0) {
+        recordSetup<1>();
+        g_partCounter += 1;
+    }
+    g_events.push_back("draw " + std::to_string(K));
+    if (g_partEnds[K]) {
+        g_partCounter += 1;
+    }
+}
+
+const PartSteps RECORDING_PARTS[PART_COUNT] = {
+    {recordSetup<1>, recordDraw<1>},   {recordSetup<2>, recordDraw<2>},   {recordSetup<3>, recordDraw<3>},
+    {recordSetup<4>, recordDraw<4>},   {recordSetup<5>, recordDraw<5>},   {recordSetup<6>, recordDraw<6>},
+    {recordSetup<7>, recordDraw<7>},   {recordSetup<8>, recordDraw<8>},   {recordSetup<9>, recordDraw<9>},
+    {recordSetup<10>, recordDraw<10>}, {recordSetup<11>, recordDraw<11>}, {recordSetup<12>, recordDraw<12>},
+    {recordSetup<13>, recordDraw<13>},
+};
+
+void recordEnd() { g_events.push_back("end"); }
+
+class Sequencer : public ::testing::Test {
+protected:
+    void SetUp() override {
+        g_partSteps = RECORDING_PARTS;
+        g_endPath = recordEnd;
+        g_partCounter = 0;
+        g_events.clear();
+        std::fill(std::begin(g_partEnds), std::end(g_partEnds), false);
+    }
+    void TearDown() override {
+        g_partCounter = 0;
+        g_endPath = runEndPath;
+    }
+
+    // One call of onFrame; returns what it ran.
+    static std::vector<std::string> frame() {
+        g_events.clear();
+        onFrame();
+        return g_events;
+    }
+    using Events = std::vector<std::string>;
+};
+
+TEST_F(Sequencer, FirstCallSetsUpPartOneAndDrawsItsFirstFrame) {
+    EXPECT_EQ(frame(), (Events{"setup 1", "draw 1"}));
+    EXPECT_EQ(g_partCounter, 1);
+    EXPECT_EQ(frame(), (Events{"draw 1"}));
+}
+
+TEST_F(Sequencer, EveryPartIsSetUpOnceInOrderAndAPartChangeDrawsTwoFrames) {
+    frame();
+    std::vector<std::string> setups;
+    for (int k = 1; k <= PART_COUNT; ++k) {
+        EXPECT_EQ(frame(), (Events{"draw " + std::to_string(k)}));
+        g_partEnds[k] = true;
+        const Events change = frame();
+        g_partEnds[k] = false;
+        if (k < PART_COUNT) {
+            EXPECT_EQ(change, (Events{"draw " + std::to_string(k), "setup " + std::to_string(k + 1),
+                                      "draw " + std::to_string(k + 1)}));
+            EXPECT_EQ(g_partCounter, 2 * (k + 1) - 1);
+        } else {
+            // The last part's final frame is followed by the end path in the same call.
+            EXPECT_EQ(change, (Events{"draw 13", "end"}));
+        }
+    }
+}
+
+TEST_F(Sequencer, APartWhoseTimeIsAlreadyOverStillDrawsOneFrame) {
+    frame();
+    g_partEnds[1] = true;
+    g_partEnds[2] = true;
+    EXPECT_EQ(frame(), (Events{"draw 1", "setup 2", "draw 2", "setup 3", "draw 3"}));
+}
+
+TEST_F(Sequencer, EscapeAndMousePressRunOnlyTheEndPathAtTheNextFrame) {
+    frame();
+    frame();
+    onKey(27, 0, 0);
+    EXPECT_EQ(g_partCounter, PART_COUNTER_END);
+    EXPECT_EQ(frame(), (Events{"end"}));
+
+    g_partCounter = 7;
+    onMouse(GLUT_RIGHT_BUTTON, GLUT_UP, 10, 10);
+    EXPECT_EQ(g_partCounter, 7) << "a release does nothing";
+    onMouse(GLUT_MIDDLE_BUTTON, GLUT_DOWN, 10, 10);
+    EXPECT_EQ(frame(), (Events{"end"}));
+
+    g_partCounter = 5;
+    onWindowClose();
+    EXPECT_EQ(frame(), (Events{"end"}));
+}
+
+TEST_F(Sequencer, EscapeBeforeTheFirstFrameEndsWithoutAnyPart) {
+    onKey(27, 0, 0);
+    EXPECT_EQ(frame(), (Events{"end"}));
+}
+
+uint32_t g_fakeNow = 0;
+uint32_t fakeClock() { return g_fakeNow; }
+
+TEST(Keys, RPrintsTheDemoTimeAndOtherKeysDoNothing) {
+    g_millisecondClock = fakeClock;
+    g_fakeNow = 5000;
+    startMusic();
+    g_fakeNow = 5000 + 12345;
+    updateMusicClock();
+    g_millisecondClock = monotonicMillis;
+    g_partCounter = 3;
+
+    ::testing::internal::CaptureStdout();
+    onKey('r', 0, 0);
+    onKey('R', 0, 0);
+    onKey('q', 0, 0);
+    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "123.449997\n");
+    EXPECT_EQ(g_partCounter, 3);
+    g_partCounter = 0;
+}
+
+TEST(FrameRate, IsFramesTimesAThousandOverElapsedMilliseconds) {
+    EXPECT_DOUBLE_EQ(framesPerSecondAt(600, 1000, 11000), 60.0);
+    EXPECT_DOUBLE_EQ(framesPerSecondAt(1, 0, 3), 1000.0 / 3.0);
+    // The millisecond clock wraps: only the difference counts.
+    EXPECT_DOUBLE_EQ(framesPerSecondAt(50, 2147483000, -2147483296), 50.0);
+    // No frame counted, or no time passed: 0, printed as 0.00.
+    EXPECT_DOUBLE_EQ(framesPerSecondAt(0, 1000, 1000), 0.0);
+    EXPECT_DOUBLE_EQ(framesPerSecondAt(0, 1000, 9000), 0.0);
+    EXPECT_DOUBLE_EQ(framesPerSecondAt(10, 1000, 1000), 0.0);
+}
+
+TEST(EndPath, PrintsTheFrameRateAndExitsWithZero) {
+    EXPECT_EXIT(
+        {
+            g_fullscreen = 0;
+            g_frameCount = 0;
+            runEndPath();
+        },
+        ::testing::ExitedWithCode(0), "");
+}
+
+}  // namespace

@@ -1,0 +1,222 @@
+// The real kaskade program on the test's X display (Xvfb): its window, its
+// keys and mouse, a closed window, the fullscreen fallback, and the audio
+// failures before any window, each seen from outside the process.
+#include "tests/audio/test_sounds.h"
+
+#include <gtest/gtest.h>
+
+#include <X11/Xlib.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+#include <thread>
+
+namespace {
+
+std::string readFile(const std::string& path) {
+    std::ifstream in(path);
+    std::stringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+std::string run(const std::string& command) {
+    std::string output;
+    if (FILE* pipe = popen(command.c_str(), "r")) {
+        char buffer[256];
+        while (std::fgets(buffer, sizeof buffer, pipe) != nullptr) {
+            output += buffer;
+        }
+        pclose(pipe);
+    }
+    return output;
+}
+
+struct ShowResult {
+    int status = -1;
+    std::string out;
+    std::string err;
+};
+
+class ShowProcess : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (std::getenv("DISPLAY") == nullptr) {
+            GTEST_SKIP() << "needs an X display (the suite runs under xvfb-run)";
+        }
+        const std::string archive = std::string(KASKADE_SHOW_DIR) + "/3d";
+        if (access(archive.c_str(), R_OK) != 0) {
+            GTEST_SKIP() << "the show's content is not built in " << KASKADE_SHOW_DIR;
+        }
+        dir_ = makeTempDir();
+        // Long enough that the demo clock does not restart with the music during a test.
+        writeMp3(dir_ + "/harbour.mp3", tone(44100 * 20, 44100, 9000, 9000));
+        ASSERT_EQ(symlink(archive.c_str(), (dir_ + "/3d").c_str()), 0);
+    }
+
+    void start(const std::vector<std::string>& arguments) {
+        pid_ = fork();
+        if (pid_ == 0) {
+            if (chdir(dir_.c_str()) != 0) {
+                _exit(125);
+            }
+            freopen("out.txt", "w", stdout);
+            freopen("err.txt", "w", stderr);
+            setenv("SDL_AUDIODRIVER", "dummy", 1);
+            std::vector<char*> argv{const_cast<char*>(KASKADE_PROGRAM)};
+            for (const std::string& argument : arguments) {
+                argv.push_back(const_cast<char*>(argument.c_str()));
+            }
+            argv.push_back(nullptr);
+            execv(KASKADE_PROGRAM, argv.data());
+            _exit(126);
+        }
+    }
+
+    // The show's window id, waiting for it to be mapped.
+    std::string window() {
+        const std::string id = run("timeout 20 xdotool search --sync --onlyvisible --name 'kaskade \\[12\\]' | head -n 1");
+        return id.substr(0, id.find('\n'));
+    }
+
+    ShowResult finish(int seconds = 20) {
+        ShowResult result;
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
+        int status = 0;
+        while (waitpid(pid_, &status, WNOHANG) == 0) {
+            if (std::chrono::steady_clock::now() > deadline) {
+                kill(pid_, SIGKILL);
+                waitpid(pid_, &status, 0);
+                ADD_FAILURE() << "kaskade did not end";
+                break;
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+        result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        result.out = readFile(dir_ + "/out.txt");
+        result.err = readFile(dir_ + "/err.txt");
+        return result;
+    }
+
+    std::string dir_;
+    pid_t pid_ = -1;
+};
+
+bool endsWithFrameRateLine(const std::string& out) {
+    const size_t at = out.rfind("fps: ");
+    if (at == std::string::npos) {
+        return false;
+    }
+    double value = -1;
+    char newline = 0;
+    return std::sscanf(out.c_str() + at, "fps: %lf%c", &value, &newline) == 2 && newline == '\n' && value >= 0;
+}
+
+TEST_F(ShowProcess, WindowedShowPrintsTheDemoTimeOnRAndEndsOnEscape) {
+    start({"--window"});
+    const std::string id = window();
+    ASSERT_FALSE(id.empty());
+    EXPECT_NE(run("xdotool getwindowgeometry " + id).find("Geometry: 640x480"), std::string::npos);
+    std::this_thread::sleep_for(std::chrono::milliseconds(600));
+    run("xdotool key --window " + id + " r");
+    std::this_thread::sleep_for(std::chrono::milliseconds(700));
+    run("xdotool key --window " + id + " r");
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    run("xdotool key --window " + id + " Escape");
+    const ShowResult result = finish();
+
+    EXPECT_EQ(result.status, 0);
+    double first = -1;
+    double second = -1;
+    ASSERT_EQ(std::sscanf(result.out.c_str(), "%lf\n%lf\n", &first, &second), 2) << result.out;
+    // Tenths of a second: 0.7 s between the presses reads as about 7.
+    EXPECT_GT(second - first, 4.0) << result.out;
+    EXPECT_LT(second - first, 20.0) << result.out;
+    EXPECT_TRUE(endsWithFrameRateLine(result.out)) << result.out;
+    EXPECT_EQ(result.err, "") << "the audio libraries' chatter stays off the terminal";
+}
+
+// What a window manager's close button sends.
+void sendDeleteWindow(const std::string& id) {
+    Display* display = XOpenDisplay(nullptr);
+    ASSERT_NE(display, nullptr);
+    XEvent event{};
+    event.xclient.type = ClientMessage;
+    event.xclient.window = std::stoul(id);
+    event.xclient.message_type = XInternAtom(display, "WM_PROTOCOLS", False);
+    event.xclient.format = 32;
+    event.xclient.data.l[0] = static_cast<long>(XInternAtom(display, "WM_DELETE_WINDOW", False));
+    event.xclient.data.l[1] = CurrentTime;
+    XSendEvent(display, event.xclient.window, False, NoEventMask, &event);
+    XCloseDisplay(display);
+}
+
+TEST_F(ShowProcess, MousePressAndClosedWindowRunTheEndPathLikeEscape) {
+    for (const char* how : {"mouse", "close"}) {
+        start({"--window"});
+        const std::string id = window();
+        ASSERT_FALSE(id.empty()) << how;
+        if (std::string(how) == "mouse") {
+            run("xdotool mousemove --window " + id + " 100 100 click 3");
+        } else {
+            sendDeleteWindow(id);
+        }
+        const ShowResult result = finish();
+        EXPECT_EQ(result.status, 0) << how;
+        EXPECT_TRUE(endsWithFrameRateLine(result.out)) << how << ": " << result.out;
+    }
+}
+
+TEST_F(ShowProcess, FullscreenFallsBackToTheScreenAsItIsAndLeavesItSo) {
+    const std::string screenBefore = run("xdotool getdisplaygeometry");
+    start({});
+    const std::string id = window();
+    ASSERT_FALSE(id.empty());
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    const std::string size = screenBefore.substr(0, screenBefore.find('\n'));
+    const std::string expected = "Geometry: " + size.substr(0, size.find(' ')) + "x" + size.substr(size.find(' ') + 1);
+    EXPECT_NE(run("xdotool getwindowgeometry " + id).find(expected), std::string::npos);
+    run("xdotool key --window " + id + " Escape");
+    const ShowResult result = finish();
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(run("xdotool getdisplaygeometry"), screenBefore);
+}
+
+TEST_F(ShowProcess, NoSoundRunsWithoutASoundtrack) {
+    std::remove((dir_ + "/harbour.mp3").c_str());
+    start({"--nosound"});
+    const std::string id = window();
+    ASSERT_FALSE(id.empty());
+    run("xdotool key --window " + id + " Escape");
+    const ShowResult result = finish();
+    EXPECT_EQ(result.status, 0);
+    EXPECT_TRUE(endsWithFrameRateLine(result.out)) << result.out;
+}
+
+TEST_F(ShowProcess, AMissingSoundtrackIsFatalBeforeAnyWindow) {
+    std::remove((dir_ + "/harbour.mp3").c_str());
+    start({"--window"});
+    const ShowResult result = finish();
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "BASS ERROR: Can't play the file\n");
+    EXPECT_EQ(result.out, "");
+}
+
+TEST_F(ShowProcess, HelpAndVersionPrintAndExitZero) {
+    start({"--help"});
+    ShowResult result = finish();
+    EXPECT_EQ(result.status, 0);
+    EXPECT_NE(result.out.find("usage: kaskade"), std::string::npos);
+    start({"--version"});
+    result = finish();
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out.rfind("kaskade ", 0), 0u);
+}
+
+}  // namespace
