@@ -1,0 +1,97 @@
+// Demo part 1, the opening: "test.3ds" turning in white fog, hidden meshes
+// revealed on the beats, the logo sliding away from 14.5 s and the turning
+// meshes rising from 19 s. Ends after demo time 210.
+#include "app/sequencer.h"
+#include "app/shell.h"
+#include "audio/music.h"
+#include "engine/world.h"
+#include "overlay/overlay.h"
+#include "parts/beat_reveal.h"
+#include "parts/opening_latches.h"
+#include "parts/part_frame.h"
+#include "parts/part_materials.h"
+#include "parts/part_state.h"
+#include "parts/parts.h"
+#include "parts/scene_needs.h"
+#include "resources/library.h"
+#include "resources/texture.h"
+
+#include <GL/gl.h>
+
+#include <cmath>
+
+World* g_testWorld = nullptr;
+Texture* g_objectsTexture = nullptr;
+Texture* g_logoTexture = nullptr;
+int32_t g_revealIndex = 3;
+int32_t g_revealArmed = 1;
+float g_logoSlideStart = 0.0f;
+float g_riseStart = 0.0f;
+
+namespace {
+
+constexpr float END_TIME = 210.0f;
+constexpr int32_t TURNING_MESHES = 3;  // meshes 0..2 turn and rise; 3 and up start hidden
+constexpr float FOG_DENSITY = 0.002f;
+
+void setTurningMeshesRotation(float yDegrees) {
+    for (int32_t i = 0; i < TURNING_MESHES; ++i) {
+        g_testWorld->meshes[i]->setRotation(0.0f, yDegrees, 0.0f);
+    }
+}
+
+void setTurningMeshesTranslation(float y) {
+    for (int32_t i = 0; i < TURNING_MESHES; ++i) {
+        g_testWorld->meshes[i]->setTranslation(0.0f, y, 0.0f);
+    }
+}
+
+}  // namespace
+
+void setupPart1() {
+    g_library->open("3d");
+    g_objectsTexture = new Texture;
+    g_logoTexture = new Texture;
+    g_objectsTexture->load(*g_library, "objects.pcx", 512, 256, false);
+    g_logoTexture->load(*g_library, "mark12.pcx", 512, 256, false);
+    g_testWorld = new World;
+    g_testWorld->load("test.3ds", *g_library);
+    requireScene(*g_testWorld, "test.3ds", TURNING_MESHES, 0);
+    g_testWorld->camera->fov = PART_FOV;
+    setPartMaterial(*g_testWorld, "GREEN FLAT", MODE_FLAT, nullptr, 0x80A0D237, MAT_ALPHA);
+    setPartMaterial(*g_testWorld, "BLACK WIRE", MODE_WIRE, nullptr, 0x00000000, MAT_OPAQUE);
+    setPartMaterial(*g_testWorld, "WHITE WIRE", MODE_WIRE, nullptr, 0x00FFFFFF, MAT_OPAQUE);
+    for (int32_t i = TURNING_MESHES; i < g_testWorld->meshCount; ++i) {
+        g_testWorld->meshes[i]->flags &= static_cast<uint8_t>(~MESH_VISIBLE);
+    }
+    g_library->close();
+    startFrameCounter();
+    updateMusicClock();
+    g_partStart = g_partTime;
+}
+
+void drawPart1() {
+    if (g_partCounter == 0) {
+        setupPart1();
+        g_partCounter += 1;
+    }
+    clearPartFrame();
+    updatePartTime();
+    setTurningMeshesRotation(g_partTime);  // one degree per tenth of a second
+    revealOnBeat(*g_testWorld, g_levelLeft + g_levelRight, &g_revealIndex, &g_revealArmed);
+    g_testWorld->camera->position.y = static_cast<float>(std::sin(0.1 * g_partTime) * 80.0);
+    enablePartFog(WHITE_FOG_COLOUR, FOG_DENSITY);
+    g_testWorld->render();
+    glDisable(GL_DEPTH_TEST);
+
+    const float offset = logoSlideOffset(g_demoTime, &g_logoSlideStart);
+    float riseY = 0.0f;
+    if (riseHeight(g_demoTime, &g_riseStart, &riseY)) {
+        setTurningMeshesTranslation(riseY);  // shows from the next frame's render
+    }
+    endPartAfter(END_TIME);
+    resetModelView();
+    drawOverlayAdd(g_logoTexture, static_cast<int>(170.0 + offset), 190, static_cast<int>(470.0 + offset), 290,
+                   -100);
+    finishPartFrame();
+}

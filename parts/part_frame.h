@@ -1,0 +1,41 @@
+// The steps every demo part shares with the sequencer: the end of a set-up,
+// the start and end of a frame, the end test, and the GL settings the parts
+// make in the same words. Each is one step of the part contract, so a draw
+// step still reads as its numbered steps.
+#pragma once
+
+#include <cstdint>
+
+// Field of view every part gives its scene's current camera, degrees.
+constexpr float PART_FOV = 110.0f;
+
+// The frame's background, also the fog colour of parts 6, 10 and 13.
+extern const float PART_CLEAR_COLOUR[4];  // 0.6, 0.2, 0.1, 0.5
+// Part 1's white fog.
+extern const float WHITE_FOG_COLOUR[4];   // 1, 1, 1, 1
+
+// The end of every set-up: g_library->close(); updateMusicClock();
+// g_partStart = g_partTime. Part 1's set-up does not use it (it starts the
+// frame counter in between).
+void finishPartSetup();
+
+// glClearColor(PART_CLEAR_COLOUR); glClear(colour and depth).
+void clearPartFrame();
+
+// updateMusicClock(); g_partTime = g_demoTime - g_partStart.
+void updatePartTime();
+
+// Exponential fog: glEnable(GL_FOG), GL_EXP, the colour, the density
+// (per scene unit).
+void enablePartFog(const float colour[4], float density);
+
+// Advances g_partCounter by one on a frame whose g_demoTime is strictly above
+// `endTime` (demo-time units).
+void endPartAfter(float endTime);
+
+// glMatrixMode(GL_MODELVIEW); glLoadIdentity(): overlays are laid in the
+// 640 x 480 layout with no view transform.
+void resetModelView();
+
+// g_frameCount += 1; then the frame is shown (presentFrame).
+void finishPartFrame();

@@ -1,0 +1,181 @@
+// The show captured on the fixed-step clock, seen from outside the process:
+// frame-exact repeatability, the whole show as a video with its soundtrack,
+// the per-part log, and a clear refusal when ffmpeg is missing.
+#include "app/png_file.h"
+#include "tests/audio/test_sounds.h"
+#include "tests/support/fatal_catcher.h"
+
+#include <gtest/gtest.h>
+
+#include <dirent.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <cstdio>
+#include <fstream>
+#include <map>
+#include <sstream>
+
+namespace {
+
+constexpr float PART_END_TIMES[13] = {210, 335, 395, 534, 658, 770, 960, 1127, 1307, 1498, 1758, 1925, 2269};
+
+std::string readFile(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+std::string quoted(const std::string& text) { return "'" + text + "'"; }
+
+// Runs kaskade in the show's content directory; returns its exit status.
+int runShow(const std::string& arguments, const std::string& errPath, const std::string& environment = "") {
+    const std::string command = "cd " + quoted(KASKADE_SHOW_DIR) + " && " + environment + " " + quoted(KASKADE_PROGRAM) +
+                                " " + arguments + " > /dev/null 2> " + quoted(errPath);
+    const int status = std::system(command.c_str());
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+std::vector<std::string> listFiles(const std::string& directory) {
+    std::vector<std::string> names;
+    if (DIR* dir = opendir(directory.c_str())) {
+        while (dirent* entry = readdir(dir)) {
+            if (entry->d_name[0] != '.') {
+                names.push_back(entry->d_name);
+            }
+        }
+        closedir(dir);
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+class Capture : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (std::getenv("DISPLAY") == nullptr) {
+            GTEST_SKIP() << "needs an X display (the suite runs under xvfb-run)";
+        }
+        if (access((std::string(KASKADE_SHOW_DIR) + "/3d").c_str(), R_OK) != 0) {
+            GTEST_SKIP() << "the show's content is not built in " << KASKADE_SHOW_DIR;
+        }
+        dir_ = makeTempDir();
+    }
+    std::string dir_;
+};
+
+TEST_F(Capture, TwoCapturesOfTheShowGiveByteIdenticalFrames) {
+    // Four frames a second keep the whole show short; every frame is compared.
+    ASSERT_EQ(runShow("--fps 4 --capture " + quoted(dir_ + "/a"), dir_ + "/a.log"), 0) << readFile(dir_ + "/a.log");
+    ASSERT_EQ(runShow("--fps 4 --capture " + quoted(dir_ + "/b"), dir_ + "/b.log"), 0) << readFile(dir_ + "/b.log");
+    const std::vector<std::string> first = listFiles(dir_ + "/a");
+    ASSERT_EQ(first, listFiles(dir_ + "/b"));
+    ASSERT_GT(first.size(), 900u);
+    EXPECT_EQ(first.front(), "frame_00000.png");
+    for (const std::string& name : first) {
+        ASSERT_EQ(readFile(dir_ + "/a/" + name), readFile(dir_ + "/b/" + name)) << name;
+    }
+}
+
+TEST_F(Capture, TheWholeShowAsAVideoWithItsSoundtrackAndOneSetUpPerPart) {
+#ifdef KASKADE_SANITIZED
+    GTEST_SKIP() << "the whole show at 30 frames/s is too slow under the sanitizers";
+#endif
+    const std::string video = dir_ + "/show.mp4";
+    const std::string log = dir_ + "/show.log";
+    ASSERT_EQ(runShow("--capture " + quoted(video) + " --verbose", log), 0) << readFile(log);
+
+    // 226.9 s at 30 frames/s, with both streams cut to the show's length.
+    std::map<std::string, std::string> probe;
+    FILE* pipe = popen(("ffprobe -v error -count_frames -show_entries stream=codec_type,nb_read_frames "
+                        "-show_entries format=duration -of default=noprint_wrappers=1 " + quoted(video)).c_str(), "r");
+    ASSERT_NE(pipe, nullptr);
+    char line[256];
+    std::string types;
+    while (std::fgets(line, sizeof line, pipe) != nullptr) {
+        std::string text(line);
+        const size_t equals = text.find('=');
+        const std::string key = text.substr(0, equals);
+        const std::string value = text.substr(equals + 1, text.find('\n') - equals - 1);
+        if (key == "codec_type") {
+            types += value + " ";
+        } else if (key == "nb_read_frames" && value != "N/A" && probe.count("frames") == 0) {
+            probe["frames"] = value;
+        } else {
+            probe[key] = value;
+        }
+    }
+    pclose(pipe);
+    EXPECT_EQ(types, "video audio ");
+    EXPECT_NEAR(std::stod(probe["frames"]), 6808, 4);
+    EXPECT_NEAR(std::stod(probe["duration"]), 226.9, 0.2);
+
+    // Every part is set up once, in order, on the frame after the one in which
+    // its predecessor's end time was first exceeded.
+    std::istringstream lines(readFile(log));
+    std::string text;
+    int nextPart = 1;
+    float previousEnd = -1;
+    const float frameStep = 1000.0f / 30.0f * 0.01f;
+    while (std::getline(lines, text)) {
+        int part = 0;
+        float time = 0;
+        if (std::sscanf(text.c_str(), "part %d set up at demo time %f", &part, &time) == 2) {
+            ASSERT_EQ(part, nextPart) << text;
+            if (part == 1) {
+                EXPECT_EQ(time, 0.0f);
+            } else {
+                // Frames fall on whole milliseconds: steps of 0.33 or 0.34.
+                EXPECT_NEAR(time, previousEnd + frameStep, 0.01) << text;
+            }
+            ++nextPart;
+        } else if (std::sscanf(text.c_str(), "part %d ended at demo time %f", &part, &time) == 2) {
+            ASSERT_EQ(part, nextPart - 1) << text;
+            EXPECT_GT(time, PART_END_TIMES[part - 1]) << text;
+            EXPECT_LE(time - frameStep, PART_END_TIMES[part - 1] + 0.01) << text;
+            previousEnd = time;
+        }
+    }
+    EXPECT_EQ(nextPart, 14);
+}
+
+// What the show draws, kept: the middle frame of every part at 4 frames/s,
+// against references renewed by scripts/update-reference-frames after review.
+TEST_F(Capture, EveryPartStillDrawsItsReferenceFrame) {
+#ifdef KASKADE_SANITIZED
+    GTEST_SKIP() << "the sanitizers change no pixel; the normal build compares them";
+#endif
+    constexpr int FPS = 4;
+    ASSERT_EQ(runShow("--fps 4 --capture " + quoted(dir_ + "/frames"), dir_ + "/frames.log"), 0);
+    for (int part = 1; part <= 13; ++part) {
+        SCOPED_TRACE("part " + std::to_string(part));
+        const float start = part == 1 ? 0.0f : PART_END_TIMES[part - 2];
+        const int frame = static_cast<int>(start + PART_END_TIMES[part - 1]) * FPS / 20;
+        char names[2][64];
+        std::snprintf(names[0], sizeof names[0], "frames/part%02d.png", part);
+        std::snprintf(names[1], sizeof names[1], "/frames/frame_%05d.png", frame);
+        PngImage reference;
+        PngImage captured;
+        std::string error;
+        ASSERT_TRUE(readPng(testDataPath(names[0]), &reference, &error)) << error;
+        ASSERT_TRUE(readPng(dir_ + names[1], &captured, &error)) << error;
+        ASSERT_EQ(captured.pixels.size(), reference.pixels.size());
+        // A few pixels may move by a rounding step; a changed scene moves thousands.
+        size_t differing = 0;
+        for (size_t i = 0; i < captured.pixels.size(); ++i) {
+            differing += std::abs(captured.pixels[i] - reference.pixels[i]) > 16 ? 1 : 0;
+        }
+        EXPECT_LE(differing, captured.pixels.size() / 1000);
+    }
+}
+
+TEST_F(Capture, AVideoWithoutFfmpegIsRefusedBeforeTheShowStarts) {
+    const std::string log = dir_ + "/refused.log";
+    EXPECT_EQ(runShow("--capture " + quoted(dir_ + "/show.mkv"), log, "PATH=/nonexistent"), 1);
+    EXPECT_NE(readFile(log).find("needs ffmpeg"), std::string::npos) << readFile(log);
+    EXPECT_EQ(access((dir_ + "/show.mkv").c_str(), F_OK), -1);
+}
+
+}  // namespace
