@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <utility>
 #include <vector>
 
 #include "engine/world.h"
@@ -218,9 +219,26 @@ TEST_F(WorldRender, TextureDecalShowsTheTexelsAndTextureFlatModulatesThemByTheLi
     std::copy(texels, texels + 16, image.pixels);
     glGenTextures(1, &image.id);
     image.upload();
+    // The filters land on the material's own texture, bound only by the draw.
+    auto filtersOfImage = [&image] {
+        GLint magnification = 0, minification = 0;
+        glBindTexture(GL_TEXTURE_2D, image.id);
+        glGetTexParameteriv(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, &magnification);
+        glGetTexParameteriv(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, &minification);
+        glBindTexture(GL_TEXTURE_2D, 0);
+        return std::pair(magnification, minification);
+    };
+    glBindTexture(GL_TEXTURE_2D, 0);
+    SquareWorld smooth(MODE_TEXTURE, 0x00404040, MAT_LINEAR);
+    smooth.material->texture = &image;
+    smooth.draw();
+    EXPECT_EQ(filtersOfImage(), std::pair(GLint{GL_LINEAR}, GLint{GL_LINEAR}));
+
+    startFrame();
     SquareWorld decal(MODE_TEXTURE, 0x00404040);
     decal.material->texture = &image;
     const Frame decalFrame = decal.draw();
+    EXPECT_EQ(filtersOfImage(), std::pair(GLint{GL_NEAREST}, GLint{GL_NEAREST}));
 
     // Lit and flat: its colour without a texture (drawn untextured), times each texel.
     startFrame();
