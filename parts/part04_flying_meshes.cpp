@@ -40,10 +40,7 @@ void setupPart4() {
 void drawPart4() {
     clearPartFrame();
     updatePartTime();
-    lightsFollowCamera(*g_rum2World);
-    setPartMaterial(*g_rum2World, "GREEN FLAT", MODE_WIRE, nullptr, 0x64646464, MAT_ADD);
-    setPartMaterial(*g_rum2World, "BLUE FLAT", MODE_FLAT, nullptr, 0x64648CC8, MAT_ADD);
-    g_rum2World->render();
+    renderFlyingRoom(*g_rum2World);
 
     // Sway, flight and view changes all show from the next frame on.
     Camera& camera = *g_rum2World->camera;

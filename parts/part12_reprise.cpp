@@ -6,7 +6,6 @@
 #include "app/shell.h"
 #include "engine/world.h"
 #include "parts/part_frame.h"
-#include "parts/part_materials.h"
 #include "parts/part_state.h"
 #include "parts/parts.h"
 #include "parts/room_view.h"
@@ -29,10 +28,7 @@ void setupPart12() {
 void drawPart12() {
     clearPartFrame();
     updatePartTime();
-    lightsFollowCamera(*g_rum2World);
-    setPartMaterial(*g_rum2World, "GREEN FLAT", MODE_WIRE, nullptr, 0x64646464, MAT_ADD);
-    setPartMaterial(*g_rum2World, "BLUE FLAT", MODE_FLAT, nullptr, 0x64648CC8, MAT_ADD);
-    g_rum2World->render();
+    renderFlyingRoom(*g_rum2World);
 
     // The new camera shows from the next frame on; the target stays part 4's.
     Camera& camera = *g_rum2World->camera;

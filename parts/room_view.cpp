@@ -2,12 +2,20 @@
 
 #include "engine/world.h"
 #include "overlay/overlay.h"
+#include "parts/part_materials.h"
 
 #include <cmath>
 
 void lightsFollowCamera(World& world) {
     world.lights[0]->position = world.camera->position;
     world.lights[1]->position.x = world.camera->position.x;
+}
+
+void renderFlyingRoom(World& world) {
+    lightsFollowCamera(world);
+    setPartMaterial(world, "GREEN FLAT", MODE_WIRE, nullptr, 0x64646464, MAT_ADD);
+    setPartMaterial(world, "BLUE FLAT", MODE_FLAT, nullptr, 0x64648CC8, MAT_ADD);
+    world.render();
 }
 
 void flyMeshes(World& world, float partTime) {

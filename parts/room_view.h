@@ -1,5 +1,5 @@
 // What parts 3, 4 and 12 (the wireframe rooms) share: lights that follow the
-// camera, the meshes flying through part 4's room, its two view changes, and
+// camera, part 4's room drawn with its flying meshes, its two view changes, and
 // the three stacked "ooo.pcx" overlays. Part 5 uses the lights as well.
 #pragma once
 
@@ -11,6 +11,11 @@ struct Texture;
 // components); then lights[1]'s position x = the camera's position x. Needs
 // a camera and two omni lights.
 void lightsFollowCamera(World& world);
+
+// Part 4's room as parts 4 and 12 draw it every frame: lightsFollowCamera,
+// "GREEN FLAT" as MODE_WIRE 0x64646464 and "BLUE FLAT" as MODE_FLAT
+// 0x64648CC8, both additive, then the render.
+void renderFlyingRoom(World& world);
 
 // Every mesh i from 6 to meshCount - 1, with t = partTime:
 // setTranslation(sin(i + 0.01 t) * 500, cos(i + 0.03 t) * 400,
