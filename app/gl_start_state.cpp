@@ -1,6 +1,6 @@
 #include "app/gl_start_state.h"
 
-#include <GL/gl.h>
+#include "base/gl.h"
 
 void setStartGlState() {
     glEnable(GL_DEPTH_TEST);

@@ -3,12 +3,11 @@
 #include "app/sequencer.h"
 #include "audio/music.h"
 
-#include <GL/freeglut.h>
-
 #include <cstdio>
 
 namespace {
 constexpr unsigned char KEY_ESCAPE = 27;
+constexpr int MOUSE_PRESSED = 0;  // GLUT_DOWN: a button went down, not up
 }
 
 void onKey(unsigned char key, int, int) {
@@ -21,7 +20,7 @@ void onKey(unsigned char key, int, int) {
 }
 
 void onMouse(int, int state, int, int) {
-    if (state == GLUT_DOWN) {
+    if (state == MOUSE_PRESSED) {
         g_partCounter = PART_COUNTER_END;
     }
 }

@@ -1,15 +1,7 @@
 #include "app/sequencer.h"
 
-#include "app/capture.h"
-#include "app/display_mode.h"
 #include "app/part_log.h"
-#include "app/shell.h"
-#include "audio/music.h"
 #include "parts/parts.h"
-#include "parts/wave_map.h"
-
-#include <cstdio>
-#include <cstdlib>
 
 int32_t g_partCounter = 0;
 float g_partStart = 0.0f;
@@ -66,15 +58,4 @@ void onFrame() {
     if (g_partCounter == PART_COUNTER_END) {
         g_endPath();
     }
-}
-
-void runEndPath() {
-    if (g_fullscreen) {
-        restoreDisplayMode();
-    }
-    closeMusic();
-    finishCapture();
-    std::printf("fps: %2.2f\n", framesPerSecond());
-    std::free(g_waveMap);
-    std::exit(0);
 }

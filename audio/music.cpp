@@ -1,6 +1,6 @@
 #include "audio/music.h"
 
-#include "app/fatal.h"
+#include "base/fatal.h"
 #include "audio/clock.h"
 
 float g_demoTime = 0.0f;

@@ -1,6 +1,6 @@
 // What the engine and the wave-mesh parts cost per frame and per load, on the
 // show's own scenes: `build/bench/engine_bench` (Google Benchmark).
-#include "content/scenes.h"
+#include "content/scenes/scenes.h"
 #include "engine/world.h"
 #include "parts/wave_map.h"
 

@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "content/content_entry.h"
-#include "content/images.h"
-#include "content/scenes.h"
-#include "content/soundtrack.h"
+#include "content/images/images.h"
+#include "content/scenes/scenes.h"
+#include "content/music/soundtrack.h"
 #include "resources/archive_format.h"
 
 namespace {

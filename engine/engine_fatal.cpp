@@ -1,6 +1,6 @@
 #include "engine/engine_fatal.h"
 
-#include "app/fatal.h"
+#include "base/fatal.h"
 
 namespace {
 

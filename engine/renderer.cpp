@@ -1,8 +1,7 @@
 // World::render: the projection from the current camera, the lights, then
 // every visible mesh with its matrix, its first face's material and its
 // drawing mode. Immediate mode, no sorting, no culling of its own.
-#include <GL/gl.h>
-#include <GL/glu.h>
+#include "base/gl.h"
 
 #include "engine/renderer.h"
 #include "engine/renderer_flags.h"

@@ -6,7 +6,7 @@
 // set bit touches keeps whatever the previous object left.
 #pragma once
 
-#include <GL/gl.h>
+#include "base/gl.h"
 
 #include <cstdint>
 

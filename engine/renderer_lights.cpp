@@ -1,6 +1,6 @@
 // The World's lights as OpenGL lights. Only diffuse intensities are set:
 // ambient, specular and attenuation keep OpenGL's values.
-#include <GL/gl.h>
+#include "base/gl.h"
 
 #include "engine/renderer.h"
 

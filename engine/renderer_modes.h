@@ -2,7 +2,7 @@
 // and how it sends a mesh's faces, as triangles or as visible edges.
 #pragma once
 
-#include <GL/gl.h>
+#include "base/gl.h"
 
 #include <cstdint>
 

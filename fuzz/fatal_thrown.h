@@ -2,7 +2,7 @@
 // failure ends that input, not the fuzzing run.
 #pragma once
 
-#include "app/fatal.h"
+#include "base/fatal.h"
 
 struct FatalThrown {};
 

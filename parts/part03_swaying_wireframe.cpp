@@ -13,7 +13,7 @@
 #include "resources/library.h"
 #include "resources/texture.h"
 
-#include <GL/gl.h>
+#include "base/gl.h"
 
 #include <cmath>
 

@@ -14,7 +14,7 @@
 #include "parts/scene_needs.h"
 #include "resources/library.h"
 
-#include <GL/gl.h>
+#include "base/gl.h"
 
 #include <cmath>
 

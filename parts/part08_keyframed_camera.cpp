@@ -11,7 +11,7 @@
 #include "parts/scene_needs.h"
 #include "resources/library.h"
 
-#include <GL/gl.h>
+#include "base/gl.h"
 
 World* g_world5d = nullptr;
 

@@ -15,7 +15,7 @@
 #include "resources/library.h"
 #include "resources/texture.h"
 
-#include <GL/gl.h>
+#include "base/gl.h"
 
 World* g_world8d = nullptr;
 Texture* g_invertTexture = nullptr;

@@ -6,7 +6,7 @@
 #include "audio/music.h"
 #include "resources/library.h"
 
-#include <GL/gl.h>
+#include "base/gl.h"
 
 const float PART_CLEAR_COLOUR[4] = {0.6f, 0.2f, 0.1f, 0.5f};
 const float WHITE_FOG_COLOUR[4] = {1.0f, 1.0f, 1.0f, 1.0f};

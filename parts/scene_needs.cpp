@@ -1,6 +1,6 @@
 #include "parts/scene_needs.h"
 
-#include "app/fatal.h"
+#include "base/fatal.h"
 #include "engine/world.h"
 
 #include <cstdio>

@@ -3,7 +3,7 @@
 #include <cstring>
 #include <memory>
 
-#include "app/fatal.h"
+#include "base/fatal.h"
 #include "resources/pcx_decoder.h"
 
 char g_entryName[LIBRARY_NAME_SIZE];

@@ -3,7 +3,7 @@
 // context current; nothing here is ever released (textures live until the end).
 #pragma once
 
-#include <GL/gl.h>
+#include "base/gl.h"
 
 #include <cstdint>
 

@@ -1,6 +1,6 @@
 // The command line: any argument gives a window, the show's own options, and
 // bad values for them.
-#include "app/options.h"
+#include "app/desktop/options.h"
 
 #include <gtest/gtest.h>
 

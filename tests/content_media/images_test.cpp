@@ -1,6 +1,6 @@
 // The twelve generated pictures, decoded by the show's PCX decoder at the
 // sizes the demo parts load them with.
-#include "content/images.h"
+#include "content/images/images.h"
 
 #include <gtest/gtest.h>
 

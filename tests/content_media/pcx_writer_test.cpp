@@ -1,5 +1,5 @@
 // The PCX writer, read back with the show's decoder.
-#include "content/pcx_writer.h"
+#include "content/formats/pcx_writer.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // The soundtrack as the show hears it: the MP3 the build wrote, decoded by the
 // audio layer and measured with the level meter every 20 ms, the way the
 // music-driven parts read it.
-#include "content/soundtrack.h"
+#include "content/music/soundtrack.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -16,9 +16,9 @@
 
 #include "audio/level_meter.h"
 #include "audio/pcm_decoder.h"
-#include "content/music_timeline.h"
-#include "content/scenes.h"
-#include "content/synth_dsp.h"
+#include "content/music/music_timeline.h"
+#include "content/scenes/scenes.h"
+#include "content/music/synth_dsp.h"
 #include "engine/world.h"
 #include "parts/beat_reveal.h"
 #include "parts/loudness_bands.h"

@@ -16,7 +16,7 @@
 #include <string>
 #include <tuple>
 
-#include "content/scenes.h"
+#include "content/scenes/scenes.h"
 #include "engine/world.h"
 #include "resources/archive_format.h"
 #include "resources/library.h"

@@ -8,9 +8,9 @@
 #include <memory>
 #include <string>
 
-#include "content/geometry.h"
-#include "content/scene_builder.h"
-#include "content/tds_writer.h"
+#include "content/geometry/geometry.h"
+#include "content/scenes/scene_builder.h"
+#include "content/formats/tds_writer.h"
 #include "engine/world.h"
 #include "tests/support/fatal_catcher.h"
 

@@ -5,7 +5,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "app/fatal.h"
+#include "base/fatal.h"
 
 struct FatalError : std::runtime_error {
     FatalError(std::string caption_, std::string text_, int status_)

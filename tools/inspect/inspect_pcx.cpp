@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "app/png_file.h"
+#include "app/desktop/png_file.h"
 #include "resources/archive_format.h"
 #include "resources/pcx_decoder.h"
 #include "resources/texture.h"

@@ -16,7 +16,7 @@
 #include <vector>
 
 #include "app/gl_start_state.h"
-#include "app/png_file.h"
+#include "app/desktop/png_file.h"
 #include "engine/world.h"
 #include "resources/library.h"
 #include "tools/inspect/inspect_command.h"

@@ -1,0 +1,22 @@
+// The desktop's end of the show: the screen, the sound and a running capture
+// are given back before the frame rate is printed and the process ends.
+#include "app/desktop/capture.h"
+#include "app/desktop/display_mode.h"
+#include "app/sequencer.h"
+#include "app/shell.h"
+#include "audio/music.h"
+#include "parts/wave_map.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+void runEndPath() {
+    if (g_fullscreen) {
+        restoreDisplayMode();
+    }
+    closeMusic();
+    finishCapture();
+    std::printf("fps: %2.2f\n", framesPerSecond());
+    std::free(g_waveMap);
+    std::exit(0);
+}

@@ -1,0 +1,83 @@
+// kaskade: the show's entry. Start-up runs in a fixed order; from the main loop
+// on, everything happens in the GLUT callbacks until the sequencer's end path.
+#include "app/desktop/capture.h"
+#include "app/desktop/display_mode.h"
+#include "app/desktop/options.h"
+#include "app/part_log.h"
+#include "app/sequencer.h"
+#include "app/shell.h"
+#include "audio/fixed_step_clock.h"
+#include "audio/music.h"
+
+#include <GL/freeglut.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+namespace {
+
+const char* const SOUNDTRACK_FILE = "harbour.mp3";
+
+// The fixed-step clock (and capture) instead of the wall clock and the audio
+// device: the soundtrack is decoded for its levels and its length only.
+void startFixedStep(const ShowOptions& options) {
+    const std::string soundtrack = options.noSound ? "" : SOUNDTRACK_FILE;
+    std::string error;
+    if (!startFixedStepClock(options.fps, soundtrack, &error)) {
+        musicFatal("Can't play the file");
+    }
+    if (!options.capturePath.empty() && !startCapture(options.capturePath, options.fps, soundtrack, &error)) {
+        std::fprintf(stderr, "kaskade: %s\n", error.c_str());
+        std::exit(1);
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const ShowOptions options = parseShowOptions(argc, argv);
+    if (options.help || options.version) {
+        std::fputs(options.help ? showUsage() : showVersion(), stdout);
+        return 0;
+    }
+    if (!options.error.empty()) {
+        std::fprintf(stderr, "kaskade: %s (try --help)\n", options.error.c_str());
+        return 2;
+    }
+    g_verbose = options.verbose;
+    g_soundEnabled = !options.noSound && options.fps == 0;
+    if (options.fps != 0) {
+        startFixedStep(options);
+    }
+
+    if (options.windowed) {
+        g_fullscreen = 0;
+    } else if (g_fullscreen) {
+        setDisplayMode(640, 480, 32);
+    }
+    openMusic(SOUNDTRACK_FILE);
+
+    glutInit(&argc, argv);
+    glutInitDisplayMode(GLUT_RGB | GLUT_DOUBLE | GLUT_DEPTH);
+    glutInitWindowSize(640, 480);
+    glutCreateWindow("kaskade [12]");
+    if (g_fullscreen) {
+        glutFullScreen();
+        glutSetCursor(GLUT_CURSOR_NONE);
+    }
+    initGlState();
+
+    glutDisplayFunc(onFrame);
+    glutIdleFunc(onFrame);
+    glutKeyboardFunc(onKey);
+    glutMouseFunc(onMouse);
+    // A closed window returns from the main loop instead of exiting bare, so
+    // that the end path runs as after Escape.
+    glutSetOption(GLUT_ACTION_ON_WINDOW_CLOSE, GLUT_ACTION_GLUTMAINLOOP_RETURNS);
+    glutCloseFunc(onWindowClose);
+
+    startMusic();
+    glutMainLoop();
+    runEndPath();
+}

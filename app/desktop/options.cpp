@@ -1,0 +1,96 @@
+#include "app/desktop/options.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#include "app/shell.h"
+
+int32_t g_fullscreen = 1;
+
+namespace {
+
+// The value of option `name` at argv[*i]: "--name=value" or "--name value".
+// Null when argv[*i] is not that option.
+const char* optionValue(int argc, char** argv, int* i, const char* name, bool* missing) {
+    const size_t length = std::strlen(name);
+    const char* argument = argv[*i];
+    if (std::strncmp(argument, name, length) != 0) {
+        return nullptr;
+    }
+    if (argument[length] == '=') {
+        return argument + length + 1;
+    }
+    if (argument[length] != '\0') {
+        return nullptr;
+    }
+    if (*i + 1 >= argc) {
+        *missing = true;
+        return nullptr;
+    }
+    *i += 1;
+    return argv[*i];
+}
+
+int parseFps(const char* text) {
+    char* end = nullptr;
+    const long value = std::strtol(text, &end, 10);
+    return end != text && *end == '\0' && value >= 1 && value <= MAX_FIXED_FPS ? static_cast<int>(value) : 0;
+}
+
+}  // namespace
+
+ShowOptions parseShowOptions(int argc, char** argv) {
+    ShowOptions options;
+    options.windowed = argc > 1;
+    for (int i = 1; i < argc; ++i) {
+        const char* argument = argv[i];
+        bool missing = false;
+        if (std::strcmp(argument, "--help") == 0 || std::strcmp(argument, "-h") == 0) {
+            options.help = true;
+        } else if (std::strcmp(argument, "--version") == 0) {
+            options.version = true;
+        } else if (std::strcmp(argument, "--nosound") == 0) {
+            options.noSound = true;
+        } else if (std::strcmp(argument, "--verbose") == 0) {
+            options.verbose = true;
+        } else if (const char* fps = optionValue(argc, argv, &i, "--fps", &missing)) {
+            options.fps = parseFps(fps);
+            if (options.fps == 0) {
+                options.error = "--fps needs a whole number of frames per second from 1 to 240";
+            }
+        } else if (const char* path = optionValue(argc, argv, &i, "--capture", &missing)) {
+            options.capturePath = path;
+        }
+        if (missing) {
+            options.error = std::string(argument) + " needs a value";
+        }
+    }
+    if (!options.capturePath.empty() && options.fps == 0 && options.error.empty()) {
+        options.fps = CAPTURE_DEFAULT_FPS;
+    }
+    return options;
+}
+
+const char* showUsage() {
+    return "usage: kaskade [--window] [--nosound] [--fps N] [--capture PATH] [--verbose]\n"
+           "               [--help] [--version]\n"
+           "\n"
+           "Plays the show from the archive \"3d\" and the soundtrack \"harbour.mp3\" in the\n"
+           "working directory. Without arguments it runs fullscreen; any argument gives a\n"
+           "640 x 480 window.\n"
+           "\n"
+           "  --window        run in a window (any argument does)\n"
+           "  --nosound       open no audio device; the show runs silently on its clock\n"
+           "  --fps N         step the clock by frames (1 to 240 per second) instead of the\n"
+           "                  wall: every run draws the same frames, as fast as it can\n"
+           "  --capture PATH  write every frame: PATH ending in .mp4, .mkv or .webm is a\n"
+           "                  video with the soundtrack (needs ffmpeg), anything else a\n"
+           "                  directory of frame_00000.png ... (implies --fps 30)\n"
+           "  --verbose       a line per part on standard error: set-up time, frame rate\n"
+           "  --help          print this text\n"
+           "  --version       print the version\n"
+           "\n"
+           "Keys: Escape or any mouse button ends the show, r prints the demo time.\n";
+}
+
+const char* showVersion() { return "kaskade " KASKADE_VERSION "\n"; }

@@ -1,0 +1,8 @@
+// The OpenGL the show draws with: OpenGL 1.1 and GLU, as the system provides
+// them on the desktop. Every file that draws includes this header, never the
+// system's own, so that a build for another platform can put its own OpenGL
+// 1.1 subset in their place.
+#pragma once
+
+#include <GL/gl.h>
+#include <GL/glu.h>

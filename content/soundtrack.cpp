@@ -1,5 +1,0 @@
-#include "content/soundtrack.h"
-
-#include "content/mp3_encoder.h"
-
-std::vector<uint8_t> makeSoundtrackMp3() { return encodeMp3(renderSoundtrackPcm(), SOUNDTRACK_RATE, SOUNDTRACK_KBPS); }
