@@ -32,22 +32,7 @@ uint32_t fixedStepMillis() {
 
 // The 20 ms of the soundtrack that ends at the current song position.
 uint32_t fixedStepLevel(AudioHandle) {
-    const size_t songFrames = g_fixedStep.soundtrack.frames();
-    if (songFrames < LEVEL_WINDOW_FRAMES) {
-        return 0xFFFFFFFFu;
-    }
-    const int32_t elapsed = static_cast<int32_t>(fixedStepMillis() - g_musicStartTick.load());
-    const long long position = static_cast<long long>(elapsed < 0 ? 0 : elapsed) * OUTPUT_RATE / 1000;
-    int16_t window[LEVEL_WINDOW_FRAMES * 2];
-    for (size_t i = 0; i < LEVEL_WINDOW_FRAMES; ++i) {
-        // Before the song's start the window reaches back into silence.
-        const long long frame = position - static_cast<long long>(LEVEL_WINDOW_FRAMES) + static_cast<long long>(i);
-        const bool inside = frame >= 0;
-        const size_t index = inside ? static_cast<size_t>(frame) % songFrames : 0;
-        window[2 * i] = inside ? g_fixedStep.soundtrack.samples[2 * index] : 0;
-        window[2 * i + 1] = inside ? g_fixedStep.soundtrack.samples[2 * index + 1] : 0;
-    }
-    return packedPeakLevel(window, LEVEL_WINDOW_FRAMES);
+    return songLevelAt(g_fixedStep.soundtrack, static_cast<int32_t>(fixedStepMillis() - g_musicStartTick.load()));
 }
 
 }  // namespace

@@ -3,14 +3,9 @@
 // not an MP3. Used by the fixed-step clock and by tests of the content.
 #pragma once
 
-#include <cstdint>
 #include <string>
-#include <vector>
 
-struct DecodedAudio {
-    std::vector<int16_t> samples;  // interleaved left, right
-    size_t frames() const { return samples.size() / 2; }
-};
+#include "audio/decoded_audio.h"
 
 // Returns false and fills `error` when the file opens neither as an MP3 stream
 // nor as a module.
