@@ -4,6 +4,7 @@
 #include "parts/parts.h"
 
 int32_t g_partCounter = 0;
+volatile std::sig_atomic_t g_endRequested = 0;
 float g_partStart = 0.0f;
 float g_partTime = 0.0f;
 
@@ -30,6 +31,9 @@ void drawPart(int32_t k) {
 }  // namespace
 
 void onFrame() {
+    if (g_endRequested) {
+        g_partCounter = PART_COUNTER_END;
+    }
     // Part 1's draw step sets itself up on the first call.
     if (g_partCounter < 2) {
         const bool firstCall = g_partCounter == 0;

@@ -38,6 +38,15 @@ void audioStart();
 // Starts the channel; with `loop` it starts again at its end, else it stops there.
 void audioChannelPlay(AudioHandle channel, bool loop);
 
+// The channel's song length in milliseconds (rounded); 0 when it cannot be
+// told or for a handle that names no channel.
+uint32_t audioChannelGetLength(AudioHandle channel);
+
+// The channel plays on from `millis` into its song (wrapped at its length);
+// its level history starts again in silence. Looping and the end sync work as
+// from the start.
+void audioChannelSetPosition(AudioHandle channel, uint32_t millis);
+
 // Peak level of the channel over the most recent 20 ms it played: left in the
 // low 16 bits, right in the high 16 bits, each 0..128. 0xFFFFFFFF for a handle
 // that names no channel.

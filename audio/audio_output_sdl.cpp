@@ -94,6 +94,9 @@ void deviceCallback(void*, Uint8* stream, int length) {
 
 bool audioInit(int frequency) {
     QuietStderr quiet;
+    // SDL's own SIGINT and SIGTERM handlers would only queue a quit event that
+    // nothing reads; the show's handlers end it instead.
+    SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
     if (SDL_InitSubSystem(SDL_INIT_AUDIO) != 0) {
         return false;
     }
@@ -142,6 +145,32 @@ void audioChannelPlay(AudioHandle handle, bool loop) {
         channel->playing = true;
         channel->loop = loop;
     }
+}
+
+uint32_t audioChannelGetLength(AudioHandle handle) {
+    std::lock_guard<std::mutex> lock(g_mixerMutex);
+    Channel* channel = channelFor(handle);
+    if (channel == nullptr) {
+        return 0;
+    }
+    return static_cast<uint32_t>((static_cast<uint64_t>(sourceLength(*channel->source)) * 1000 + OUTPUT_RATE / 2) /
+                                 OUTPUT_RATE);
+}
+
+void audioChannelSetPosition(AudioHandle handle, uint32_t millis) {
+    std::lock_guard<std::mutex> lock(g_mixerMutex);
+    Channel* channel = channelFor(handle);
+    if (channel == nullptr) {
+        return;
+    }
+    const size_t length = sourceLength(*channel->source);
+    size_t frame = static_cast<size_t>(static_cast<uint64_t>(millis) * OUTPUT_RATE / 1000);
+    if (length > 0) {
+        frame %= length;
+    }
+    seekSource(*channel->source, frame);
+    std::memset(channel->history, 0, sizeof channel->history);
+    channel->historyNext = 0;
 }
 
 uint32_t audioChannelGetLevel(AudioHandle handle) {

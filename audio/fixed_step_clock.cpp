@@ -57,4 +57,6 @@ bool fixedStepClockActive() { return g_fixedStep.active; }
 
 void advanceFixedStepClock() { ++g_fixedStep.frames; }
 
+uint32_t fixedStepSongMillis() { return g_fixedStep.songMillis; }
+
 long fixedStepFrames() { return g_fixedStep.frames; }

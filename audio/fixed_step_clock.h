@@ -19,5 +19,8 @@ bool fixedStepClockActive();
 // One more frame has been swapped.
 void advanceFixedStepClock();
 
+// The decoded soundtrack's length in milliseconds; 0 for a silent show.
+uint32_t fixedStepSongMillis();
+
 // Frames swapped so far.
 long fixedStepFrames();

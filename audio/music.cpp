@@ -40,6 +40,8 @@ void startMusic() {
     g_musicStartTick = g_millisecondClock();
 }
 
+uint32_t soundtrackMillis() { return audioChannelGetLength(g_stream != 0 ? g_stream : g_music); }
+
 void updateMusicClock() {
     const int32_t elapsed = static_cast<int32_t>(g_millisecondClock() - g_musicStartTick.load(std::memory_order_relaxed));
     const uint32_t level = g_levelSource(g_stream != 0 ? g_stream : g_music);

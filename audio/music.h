@@ -29,6 +29,8 @@ extern bool g_soundEnabled;
 void openMusic(const char* fileName);
 // Starts playback (looping) and sets the clock's zero after it.
 void startMusic();
+// The opened soundtrack's length in milliseconds; 0 without one.
+uint32_t soundtrackMillis();
 // Refreshes g_demoTime, g_levelLeft and g_levelRight.
 void updateMusicClock();
 // Frees the audio layer and stops the sound.

@@ -1,9 +1,13 @@
 #include "audio/sound_source.h"
 
+#include "audio/mpeg_frames.h"
+
 #include <libopenmpt/libopenmpt.h>
 #include <libopenmpt/libopenmpt_stream_callbacks_file.h>
 #include <mpg123.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <vector>
@@ -16,6 +20,11 @@ struct SoundSource {
 namespace {
 
 constexpr long OUTPUT_RATE_HZ = 44100;
+// How far into a file the first MPEG frame is looked for, past whatever was
+// written before it.
+constexpr size_t MP3_SEARCH_BYTES = 64 * 1024;
+// Frames in a row that make a file an MP3 when it does not start with one.
+constexpr int MP3_FRAME_RUN = 4;
 
 std::vector<uint8_t> readFileStart(const char* path, size_t count, uint64_t* fileSize) {
     std::vector<uint8_t> bytes;
@@ -59,7 +68,8 @@ void silentLog(const char*, void*) {}
 
 SoundFormat probeSoundFile(const char* path) {
     uint64_t fileSize = 0;
-    const std::vector<uint8_t> start = readFileStart(path, openmpt_probe_file_header_get_recommended_size(), &fileSize);
+    const size_t probeSize = std::max<size_t>(openmpt_probe_file_header_get_recommended_size(), MP3_SEARCH_BYTES);
+    const std::vector<uint8_t> start = readFileStart(path, probeSize, &fileSize);
     if (start.empty()) {
         return SoundFormat::Unreadable;
     }
@@ -68,7 +78,10 @@ SoundFormat probeSoundFile(const char* path) {
     if (probe == OPENMPT_PROBE_FILE_HEADER_RESULT_SUCCESS) {
         return SoundFormat::Module;
     }
-    return looksLikeMp3(start) ? SoundFormat::Mp3 : SoundFormat::Unknown;
+    if (looksLikeMp3(start) || findMpegFrameRun(start.data(), start.size(), MP3_FRAME_RUN) >= 0) {
+        return SoundFormat::Mp3;
+    }
+    return SoundFormat::Unknown;
 }
 
 SoundSource* openStreamSource(const char* path) {
@@ -92,6 +105,8 @@ SoundSource* openStreamSource(const char* path) {
         mpg123_delete(mp3);
         return nullptr;
     }
+    // The whole file's frame index, for an exact length and exact seeks.
+    mpg123_scan(mp3);
     auto* source = new SoundSource;
     source->mp3 = mp3;
     return source;
@@ -133,6 +148,22 @@ void closeSource(SoundSource* source) {
         openmpt_module_destroy(source->module);
     }
     delete source;
+}
+
+size_t sourceLength(SoundSource& source) {
+    if (source.module != nullptr) {
+        return static_cast<size_t>(std::llround(openmpt_module_get_duration_seconds(source.module) * OUTPUT_RATE_HZ));
+    }
+    const off_t length = mpg123_length(source.mp3);
+    return length > 0 ? static_cast<size_t>(length) : 0;
+}
+
+void seekSource(SoundSource& source, size_t frame) {
+    if (source.module != nullptr) {
+        openmpt_module_set_position_seconds(source.module, static_cast<double>(frame) / OUTPUT_RATE_HZ);
+        return;
+    }
+    mpg123_seek(source.mp3, static_cast<off_t>(frame), SEEK_SET);
 }
 
 size_t readSource(SoundSource& source, int16_t* out, size_t frames) {

@@ -7,7 +7,10 @@
 
 namespace {
 FatalHook g_fatalHook = nullptr;
+FatalGiveBack g_fatalGiveBack = nullptr;
 }
+
+void setFatalGiveBack(FatalGiveBack giveBack) { g_fatalGiveBack = giveBack; }
 
 FatalHook setFatalHook(FatalHook hook) {
     FatalHook previous = g_fatalHook;
@@ -28,6 +31,9 @@ void fatalReport(const char* caption, const char* text, int status, FatalExit ho
     std::fprintf(stderr, "%s: %.*s\n", caption, length, text);
     if (hint != nullptr) {
         std::fprintf(stderr, "%s\n", hint);
+    }
+    if (g_fatalGiveBack != nullptr) {
+        g_fatalGiveBack();
     }
     if (how == FatalExit::Immediate) {
         _exit(status);

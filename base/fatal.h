@@ -5,7 +5,9 @@
 // the status the reporting layer gives (0 for the audio layer, -1 for the
 // resource library, 1 for the engine).
 //
-// Tests and fuzz targets replace the exit with a hook of their own. A hook must
+// Before the process ends, the platform's give-back runs (the desktop restores
+// a switched display mode there), so that no fatal report leaves the screen
+// changed. Tests and fuzz targets replace the exit with a hook of their own. A hook must
 // not return (it throws or jumps); if it does return, the process ends anyway,
 // so a caller of fatalReport never continues.
 #pragma once
@@ -15,6 +17,11 @@ using FatalHook = void (*)(const char* caption, const char* text, const char* hi
 
 // Installs `hook` (null restores the real exit). Returns the hook it replaced.
 FatalHook setFatalHook(FatalHook hook);
+
+// What must be given back before a fatal report ends the process; null for
+// nothing. Runs after the report is printed, on both exit paths.
+using FatalGiveBack = void (*)();
+void setFatalGiveBack(FatalGiveBack giveBack);
 
 // How the process ends when no hook is installed.
 enum class FatalExit {

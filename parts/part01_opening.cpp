@@ -9,6 +9,7 @@
 #include "parts/beat_reveal.h"
 #include "parts/opening_latches.h"
 #include "parts/part_frame.h"
+#include "parts/part_schedule.h"
 #include "parts/part_materials.h"
 #include "parts/part_state.h"
 #include "parts/parts.h"
@@ -30,7 +31,7 @@ float g_riseStart = 0.0f;
 
 namespace {
 
-constexpr float END_TIME = 210.0f;
+constexpr float END_TIME = partEndTime(1);
 constexpr int32_t TURNING_MESHES = 3;  // meshes 0..2 turn and rise; 3 and up start hidden
 constexpr float FOG_DENSITY = 0.002f;
 

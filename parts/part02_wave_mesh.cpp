@@ -7,6 +7,7 @@
 #include "engine/world.h"
 #include "overlay/overlay.h"
 #include "parts/part_frame.h"
+#include "parts/part_schedule.h"
 #include "parts/part_materials.h"
 #include "parts/part_state.h"
 #include "parts/parts.h"
@@ -25,7 +26,7 @@ Texture* g_xxxTexture = nullptr;
 
 namespace {
 
-constexpr float END_TIME = 335.0f;
+constexpr float END_TIME = partEndTime(2);
 constexpr float CREDITS_TIME = 270.0f;
 constexpr int32_t WAVE_MESH = 0;
 constexpr int32_t REST_MESH = 1;  // never drawn: the wave mesh's undisplaced shape

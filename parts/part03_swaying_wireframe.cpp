@@ -5,6 +5,7 @@
 #include "app/shell.h"
 #include "engine/world.h"
 #include "parts/part_frame.h"
+#include "parts/part_schedule.h"
 #include "parts/part_materials.h"
 #include "parts/part_state.h"
 #include "parts/parts.h"
@@ -22,7 +23,7 @@ Texture* g_oooTexture = nullptr;
 
 namespace {
 
-constexpr float END_TIME = 395.0f;
+constexpr float END_TIME = partEndTime(3);
 
 }  // namespace
 

@@ -7,6 +7,7 @@
 #include "audio/music.h"
 #include "engine/world.h"
 #include "parts/part_frame.h"
+#include "parts/part_schedule.h"
 #include "parts/part_materials.h"
 #include "parts/part_state.h"
 #include "parts/parts.h"
@@ -22,7 +23,7 @@ World* g_rum2World = nullptr;
 
 namespace {
 
-constexpr float END_TIME = 534.0f;
+constexpr float END_TIME = partEndTime(4);
 
 }  // namespace
 

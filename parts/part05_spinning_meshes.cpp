@@ -6,6 +6,7 @@
 #include "engine/world.h"
 #include "overlay/overlay.h"
 #include "parts/part_frame.h"
+#include "parts/part_schedule.h"
 #include "parts/part_state.h"
 #include "parts/parts.h"
 #include "parts/room_view.h"
@@ -19,7 +20,7 @@ World* g_world2d = nullptr;
 
 namespace {
 
-constexpr float END_TIME = 658.0f;
+constexpr float END_TIME = partEndTime(5);
 
 // Mesh and degrees per tenth of a second about z, in the order they are set.
 struct Spin {

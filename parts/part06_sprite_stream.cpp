@@ -6,6 +6,7 @@
 #include "engine/world.h"
 #include "overlay/overlay.h"
 #include "parts/part_frame.h"
+#include "parts/part_schedule.h"
 #include "parts/part_state.h"
 #include "parts/parts.h"
 #include "parts/scene_needs.h"
@@ -23,7 +24,7 @@ Texture* g_partTexture = nullptr;
 
 namespace {
 
-constexpr float END_TIME = 770.0f;
+constexpr float END_TIME = partEndTime(6);
 constexpr float FOG_DENSITY = 0.002f;
 constexpr double CIRCLE_RADIUS = 600.0;
 

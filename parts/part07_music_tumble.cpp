@@ -9,6 +9,7 @@
 #include "overlay/overlay.h"
 #include "parts/loudness_bands.h"
 #include "parts/part_frame.h"
+#include "parts/part_schedule.h"
 #include "parts/part_state.h"
 #include "parts/parts.h"
 #include "parts/scene_needs.h"
@@ -24,7 +25,7 @@ Texture* g_greetTexture = nullptr;
 
 namespace {
 
-constexpr float END_TIME = 960.0f;
+constexpr float END_TIME = partEndTime(7);
 constexpr float PUSH = 30.0f;  // a selected mesh's offset on each axis
 
 constexpr PassMaterial MATERIALS[] = {

@@ -5,6 +5,7 @@
 #include "app/shell.h"
 #include "engine/world.h"
 #include "parts/part_frame.h"
+#include "parts/part_schedule.h"
 #include "parts/part_materials.h"
 #include "parts/part_state.h"
 #include "parts/parts.h"
@@ -17,7 +18,7 @@ World* g_world5d = nullptr;
 
 namespace {
 
-constexpr float END_TIME = 1127.0f;
+constexpr float END_TIME = partEndTime(8);
 constexpr float FRAMES_PER_TIME_UNIT = 4.0f;
 
 }  // namespace

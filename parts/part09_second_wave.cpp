@@ -7,6 +7,7 @@
 #include "engine/world.h"
 #include "overlay/overlay.h"
 #include "parts/part_frame.h"
+#include "parts/part_schedule.h"
 #include "parts/part_state.h"
 #include "parts/parts.h"
 #include "parts/scene_needs.h"
@@ -25,7 +26,7 @@ Texture* g_everTexture = nullptr;
 
 namespace {
 
-constexpr float END_TIME = 1307.0f;
+constexpr float END_TIME = partEndTime(9);
 constexpr int32_t SOLID_ONLY_MESH = 0;  // in the solid render, not in the cage
 constexpr int32_t WAVE_MESH = 3;
 constexpr int32_t REST_MESH = 4;        // never drawn: the wave mesh's undisplaced shape

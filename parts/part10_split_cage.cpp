@@ -6,6 +6,7 @@
 #include "engine/world.h"
 #include "overlay/overlay.h"
 #include "parts/part_frame.h"
+#include "parts/part_schedule.h"
 #include "parts/part_state.h"
 #include "parts/parts.h"
 #include "parts/scene_needs.h"
@@ -21,7 +22,7 @@ Texture* g_forgetTexture = nullptr;
 
 namespace {
 
-constexpr float END_TIME = 1498.0f;
+constexpr float END_TIME = partEndTime(10);
 constexpr float FOG_DENSITY = 0.008f;
 constexpr float SPLIT = 20.0f;  // the cage's mesh 0 goes this far down, mesh 1 up
 

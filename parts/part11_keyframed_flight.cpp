@@ -7,6 +7,7 @@
 #include "engine/world.h"
 #include "overlay/overlay.h"
 #include "parts/part_frame.h"
+#include "parts/part_schedule.h"
 #include "parts/part_materials.h"
 #include "parts/part_state.h"
 #include "parts/parts.h"
@@ -22,7 +23,7 @@ Texture* g_invertTexture = nullptr;
 
 namespace {
 
-constexpr float END_TIME = 1758.0f;
+constexpr float END_TIME = partEndTime(11);
 constexpr float FRAMES_PER_TIME_UNIT = 5.0f;
 constexpr Colour BLUE = 0x64737D87;
 

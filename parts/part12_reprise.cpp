@@ -6,6 +6,7 @@
 #include "app/shell.h"
 #include "engine/world.h"
 #include "parts/part_frame.h"
+#include "parts/part_schedule.h"
 #include "parts/part_state.h"
 #include "parts/parts.h"
 #include "parts/room_view.h"
@@ -15,7 +16,7 @@
 
 namespace {
 
-constexpr float END_TIME = 1925.0f;
+constexpr float END_TIME = partEndTime(12);
 constexpr float CAMERA_HEIGHT = 150.0f;
 
 }  // namespace

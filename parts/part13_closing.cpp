@@ -6,6 +6,7 @@
 #include "engine/world.h"
 #include "overlay/overlay.h"
 #include "parts/part_frame.h"
+#include "parts/part_schedule.h"
 #include "parts/part_state.h"
 #include "parts/parts.h"
 #include "parts/scene_needs.h"
@@ -19,7 +20,7 @@ Texture* g_outsideTexture = nullptr;
 
 namespace {
 
-constexpr float END_TIME = 2269.0f;
+constexpr float END_TIME = partEndTime(13);
 constexpr float FOG_DENSITY = 0.008f;
 
 }  // namespace

@@ -28,22 +28,23 @@ uint32_t readU32(const uint8_t* bytes) {
            static_cast<uint32_t>(bytes[2]) << 16 | static_cast<uint32_t>(bytes[3]) << 24;
 }
 
-// Reads one zero-terminated entry name into g_entryName, byte by byte. Returns
-// false at the end of the archive: reading past the last entry yields EOF, which
-// is not zero, and the end-of-file indicator is then set.
-bool readEntryName(FILE* file) {
+// Reads one zero-terminated entry name into `name`, byte by byte. Returns
+// false at the end of the archive (reading past the last entry yields EOF,
+// which is not zero, and the end-of-file indicator is then set) and false
+// with *tooLong when all LIBRARY_NAME_SIZE places hold characters.
+bool readEntryName(FILE* file, char* name, bool* tooLong) {
     int index = 0;
-    g_entryName[0] = static_cast<char>(std::fgetc(file));
-    while (g_entryName[index] != 0) {
+    name[0] = static_cast<char>(std::fgetc(file));
+    while (name[index] != 0) {
         if (std::feof(file) || std::ferror(file)) {
             return false;
         }
         if (index == LIBRARY_NAME_SIZE - 1) {
-            // All 20 places hold characters: no room for the terminating zero.
-            libraryFatalf("entry name too long : %.*s...", LIBRARY_NAME_SIZE, g_entryName);
+            *tooLong = true;
+            return false;
         }
         ++index;
-        g_entryName[index] = static_cast<char>(std::fgetc(file));
+        name[index] = static_cast<char>(std::fgetc(file));
     }
     return true;
 }
@@ -80,21 +81,36 @@ void Library::rewind() {
     }
 }
 
-void Library::seekEntry(const char* entryName) {
-    rewind();
+EntryLookup findArchiveEntry(FILE* file, const char* entryName, char* nameBuffer, int32_t* size) {
     for (;;) {
+        bool tooLong = false;
         uint8_t length[4];
-        if (!readEntryName(file) || std::fread(length, 1, sizeof length, file) != sizeof length) {
-            libraryFatalf("File not found : %s", entryName);
+        if (!readEntryName(file, nameBuffer, &tooLong)) {
+            return tooLong ? EntryLookup::NameTooLong : EntryLookup::NotFound;
+        }
+        if (std::fread(length, 1, sizeof length, file) != sizeof length) {
+            return EntryLookup::NotFound;
         }
         const uint32_t dataLength = readU32(length);
-        entrySize = static_cast<int32_t>(dataLength);
-        if (std::strcmp(g_entryName, entryName) == 0) {
-            return;
+        *size = static_cast<int32_t>(dataLength);
+        if (std::strcmp(nameBuffer, entryName) == 0) {
+            return EntryLookup::Found;
         }
         // Skipped as unsigned, so every step moves forward and a walk always ends;
         // a skip past the end of the file makes the next name read meet EOF.
         std::fseek(file, static_cast<long>(dataLength), SEEK_CUR);
+    }
+}
+
+void Library::seekEntry(const char* entryName) {
+    rewind();
+    switch (findArchiveEntry(file, entryName, g_entryName, &entrySize)) {
+    case EntryLookup::Found:
+        return;
+    case EntryLookup::NameTooLong:
+        libraryFatalf("entry name too long : %.*s...", LIBRARY_NAME_SIZE, g_entryName);
+    case EntryLookup::NotFound:
+        libraryFatalf("File not found : %s", entryName);
     }
 }
 

@@ -43,6 +43,17 @@ struct Library {
 // Where seekEntry reads each entry's name while walking the archive.
 extern char g_entryName[LIBRARY_NAME_SIZE];
 
+// The look-up itself, which the tools share so that they find an entry exactly
+// as the show does. Walks `file` from its current position (an archive's first
+// byte) entry by entry, reading each name into `nameBuffer` (LIBRARY_NAME_SIZE
+// bytes), until a name equals `entryName`. Found: `file` is at the entry's
+// first data byte and *size holds its length field; the data may be cut short
+// by the end of the file, which its reader then meets. NotFound also covers an
+// archive that ends inside a name or a length. NameTooLong: a name met on the
+// way fills all LIBRARY_NAME_SIZE places of `nameBuffer` without its zero.
+enum class EntryLookup { Found, NotFound, NameTooLong };
+EntryLookup findArchiveEntry(FILE* file, const char* entryName, char* nameBuffer, int32_t* size);
+
 // Reports `text` under the caption "KOBALT LIBRARY ERROR" and ends the process
 // with status -1.
 [[noreturn]] void libraryFatal(const char* text);

@@ -1,7 +1,9 @@
 #include "app/desktop/capture.h"
 
+#include "app/desktop/child_process.h"
 #include "app/desktop/png_file.h"
 #include "app/status_line.h"
+#include "parts/part_schedule.h"
 
 #include "base/gl.h"
 #include <sys/stat.h>
@@ -18,7 +20,6 @@ namespace {
 
 constexpr int FRAME_WIDTH = 640;
 constexpr int FRAME_HEIGHT = 480;
-constexpr float SHOW_END_TIME = 2269.0f;  // demo time at which the last part ends
 constexpr int PNG_LEVEL = 1;              // fast: frames are many, disk is cheap
 
 struct Capture {
@@ -28,8 +29,9 @@ struct Capture {
     std::string videoOnly;       // for a video: the frames without audio, muxed at the end
     std::string soundtrack;
     int fps = 30;
-    FILE* encoder = nullptr;     // ffmpeg's standard input
+    ChildProcess encoder;        // ffmpeg, reading the frames on its standard input
     long frames = 0;
+    float demoTime = 0.0f;       // of the last frame captured
     std::vector<uint8_t> pixels;
     std::chrono::steady_clock::time_point started;
     std::chrono::steady_clock::time_point lastProgress;
@@ -38,14 +40,6 @@ Capture g_capture;
 
 std::string suffix(const std::string& text, size_t count) {
     return text.size() >= count ? text.substr(text.size() - count) : "";
-}
-
-std::string quoted(const std::string& text) {
-    std::string out = "'";
-    for (char c : text) {
-        out += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    }
-    return out + "'";
 }
 
 bool makeDirectories(const std::string& path) {
@@ -69,12 +63,21 @@ bool makeDirectories(const std::string& path) {
 }
 
 // Video and audio codecs for the container of `path`.
-std::string videoCodec(const std::string& path) {
-    return suffix(path, 5) == ".webm" ? "-c:v libvpx-vp9 -deadline realtime -cpu-used 8 -b:v 4M"
-                                        : "-c:v libx264 -preset ultrafast -crf 18";
+std::vector<std::string> videoCodec(const std::string& path) {
+    if (suffix(path, 5) == ".webm") {
+        return {"-c:v", "libvpx-vp9", "-deadline", "realtime", "-cpu-used", "8", "-b:v", "4M"};
+    }
+    return {"-c:v", "libx264", "-preset", "ultrafast", "-crf", "18"};
 }
-std::string audioCodec(const std::string& path) {
-    return suffix(path, 5) == ".webm" ? "-c:a libopus -b:a 160k" : "-c:a aac -b:a 192k";
+std::vector<std::string> audioCodec(const std::string& path) {
+    if (suffix(path, 5) == ".webm") {
+        return {"-c:a", "libopus", "-b:a", "160k"};
+    }
+    return {"-c:a", "aac", "-b:a", "192k"};
+}
+
+void append(std::vector<std::string>& to, const std::vector<std::string>& more) {
+    to.insert(to.end(), more.begin(), more.end());
 }
 
 void printProgress(float demoTime, bool force) {
@@ -128,11 +131,12 @@ bool startCapture(const std::string& path, int fps, const std::string& soundtrac
             return false;
         }
         g_capture.videoOnly = path + ".frames.mkv";
-        const std::string command = quoted(ffmpeg) + " -loglevel error -y -f rawvideo -pix_fmt rgba -s 640x480 -r " +
-                                    std::to_string(fps) + " -i - -vf vflip " + videoCodec(path) +
-                                    " -pix_fmt yuv420p " + quoted(g_capture.videoOnly);
-        g_capture.encoder = popen(command.c_str(), "w");
-        if (g_capture.encoder == nullptr) {
+        std::vector<std::string> command{ffmpeg, "-loglevel", "error", "-y", "-f", "rawvideo", "-pix_fmt", "rgba",
+                                         "-s", "640x480", "-r", std::to_string(fps), "-i", "-", "-vf", "vflip"};
+        append(command, videoCodec(path));
+        append(command, {"-pix_fmt", "yuv420p", g_capture.videoOnly});
+        g_capture.encoder = startChild(command, true);
+        if (g_capture.encoder.input == nullptr) {
             *error = "cannot start ffmpeg";
             return false;
         }
@@ -155,7 +159,7 @@ void captureFrame(float demoTime) {
     glReadBuffer(GL_BACK);
     glReadPixels(0, 0, FRAME_WIDTH, FRAME_HEIGHT, GL_RGBA, GL_UNSIGNED_BYTE, g_capture.pixels.data());
     if (g_capture.video) {
-        std::fwrite(g_capture.pixels.data(), 1, g_capture.pixels.size(), g_capture.encoder);
+        std::fwrite(g_capture.pixels.data(), 1, g_capture.pixels.size(), g_capture.encoder.input);
     } else {
         char name[32];
         std::snprintf(name, sizeof name, "/frame_%05ld.png", g_capture.frames);
@@ -166,6 +170,7 @@ void captureFrame(float demoTime) {
         }
     }
     ++g_capture.frames;
+    g_capture.demoTime = demoTime;
     printProgress(demoTime, false);
 }
 
@@ -174,22 +179,27 @@ bool finishCapture() {
         return true;
     }
     g_capture.active = false;
-    printProgress(SHOW_END_TIME, true);
+    printProgress(g_capture.demoTime, true);
     endProgressLine();
     if (!g_capture.video) {
         return true;
     }
-    bool ok = pclose(g_capture.encoder) == 0;
+    bool ok = finishChild(g_capture.encoder);
     // The soundtrack loops like the show's music and is cut to the frames' length.
     char seconds[32];
     std::snprintf(seconds, sizeof seconds, "%.3f", static_cast<double>(g_capture.frames) / g_capture.fps);
-    const std::string audio = g_capture.soundtrack.empty()
-                                  ? std::string(" -map 0:v -c:v copy")
-                                  : " -stream_loop -1 -i " + quoted(g_capture.soundtrack) + " -map 0:v -map 1:a -c:v copy " +
-                                        audioCodec(g_capture.path);
-    const std::string command = quoted(findProgram("ffmpeg")) + " -loglevel error -y -i " + quoted(g_capture.videoOnly) +
-                                audio + " -t " + seconds + " " + quoted(g_capture.path);
-    ok = ok && std::system(command.c_str()) == 0;
+    std::vector<std::string> command{findProgram("ffmpeg"), "-loglevel", "error", "-y", "-i", g_capture.videoOnly};
+    if (g_capture.soundtrack.empty()) {
+        append(command, {"-map", "0:v", "-c:v", "copy"});
+    } else {
+        append(command, {"-stream_loop", "-1", "-i", g_capture.soundtrack, "-map", "0:v", "-map", "1:a", "-c:v", "copy"});
+        append(command, audioCodec(g_capture.path));
+    }
+    append(command, {"-t", seconds, g_capture.path});
+    if (ok) {
+        ChildProcess mux = startChild(command, false);
+        ok = finishChild(mux);
+    }
     std::remove(g_capture.videoOnly.c_str());
     if (!ok) {
         std::fprintf(stderr, "kaskade: %s: the video could not be written\n", g_capture.path.c_str());

@@ -1,5 +1,7 @@
 #include "app/desktop/display_mode.h"
 
+#include "app/desktop/display_guard.h"
+
 #include <X11/Xlib.h>
 #include <X11/extensions/Xrandr.h>
 
@@ -7,22 +9,52 @@ namespace {
 
 struct SavedMode {
     bool switched = false;
-    SizeID size = 0;
-    Rotation rotation = 0;
+    ScreenMode original;
 };
 SavedMode g_savedMode;
 
-// Sets screen size `size` of the default screen; true on success.
-bool applySize(Display* display, SizeID size, Rotation rotation) {
+// The current size and rotation of the default screen; false without RandR.
+bool currentMode(Display* display, ScreenMode* mode) {
     XRRScreenConfiguration* config = XRRGetScreenInfo(display, DefaultRootWindow(display));
     if (config == nullptr) {
         return false;
     }
-    const Status status =
-        XRRSetScreenConfig(display, config, DefaultRootWindow(display), size, rotation, CurrentTime);
+    Rotation rotation = 0;
+    mode->size = XRRConfigCurrentConfiguration(config, &rotation);
+    mode->rotation = rotation;
+    XRRFreeScreenConfigInfo(config);
+    return true;
+}
+
+// Sets screen size `mode.size` of the default screen; true on success.
+bool applySize(Display* display, ScreenMode mode) {
+    XRRScreenConfiguration* config = XRRGetScreenInfo(display, DefaultRootWindow(display));
+    if (config == nullptr) {
+        return false;
+    }
+    const Status status = XRRSetScreenConfig(display, config, DefaultRootWindow(display), static_cast<SizeID>(mode.size),
+                                             static_cast<Rotation>(mode.rotation), CurrentTime);
     XRRFreeScreenConfigInfo(config);
     XSync(display, False);
     return status == RRSetConfigSuccess;
+}
+
+// The index of the width x height size among the screen's sizes, or -1.
+int findSize(Display* display, int width, int height) {
+    XRRScreenConfiguration* config = XRRGetScreenInfo(display, DefaultRootWindow(display));
+    if (config == nullptr) {
+        return -1;
+    }
+    int sizeCount = 0;
+    const XRRScreenSize* sizes = XRRConfigSizes(config, &sizeCount);
+    int found = -1;
+    for (int i = 0; i < sizeCount && found < 0; ++i) {
+        if (sizes[i].width == width && sizes[i].height == height) {
+            found = i;
+        }
+    }
+    XRRFreeScreenConfigInfo(config);
+    return found;
 }
 
 }  // namespace
@@ -35,26 +67,17 @@ int setDisplayMode(int width, int height, int) {
     int eventBase = 0;
     int errorBase = 0;
     int result = -1;
-    XRRScreenConfiguration* config =
-        XRRQueryExtension(display, &eventBase, &errorBase) ? XRRGetScreenInfo(display, DefaultRootWindow(display)) : nullptr;
-    if (config != nullptr) {
-        Rotation rotation = 0;
-        const SizeID current = XRRConfigCurrentConfiguration(config, &rotation);
-        int sizeCount = 0;
-        // The sizes belong to the configuration: read them before it is freed.
-        const XRRScreenSize* sizes = XRRConfigSizes(config, &sizeCount);
-        int wanted = -1;
-        for (int i = 0; i < sizeCount; ++i) {
-            if (sizes[i].width == width && sizes[i].height == height) {
-                wanted = i;
-                break;
-            }
-        }
-        XRRFreeScreenConfigInfo(config);
-        // Already in that mode: nothing to switch, nothing to restore.
-        if (wanted >= 0 && wanted != current && applySize(display, static_cast<SizeID>(wanted), rotation)) {
-            g_savedMode = {true, current, rotation};
+    ScreenMode current;
+    if (XRRQueryExtension(display, &eventBase, &errorBase) && currentMode(display, &current)) {
+        const int wanted = findSize(display, width, height);
+        // Already in that mode: nothing to switch, nothing to restore. The
+        // guard holds the original mode before the screen changes.
+        if (wanted >= 0 && wanted != current.size && startDisplayGuard(current) &&
+            applySize(display, ScreenMode{wanted, current.rotation})) {
+            g_savedMode = {true, current};
             result = 0;
+        } else {
+            displayGuardRelease();
         }
     }
     XCloseDisplay(display);
@@ -65,9 +88,22 @@ void restoreDisplayMode() {
     if (!g_savedMode.switched) {
         return;
     }
-    if (Display* display = XOpenDisplay(nullptr)) {
-        applySize(display, g_savedMode.size, g_savedMode.rotation);
-        XCloseDisplay(display);
-    }
     g_savedMode.switched = false;
+    if (applyScreenMode(g_savedMode.original)) {
+        displayGuardRelease();
+    }
+}
+
+bool applyScreenMode(ScreenMode mode) {
+    Display* display = XOpenDisplay(nullptr);
+    if (display == nullptr) {
+        return false;
+    }
+    ScreenMode current;
+    bool done = currentMode(display, &current);
+    if (done && (current.size != mode.size || current.rotation != mode.rotation)) {
+        done = applySize(display, mode);
+    }
+    XCloseDisplay(display);
+    return done;
 }

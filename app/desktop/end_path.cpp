@@ -1,7 +1,9 @@
 // The desktop's end of the show: the screen, the sound and a running capture
-// are given back before the frame rate is printed and the process ends.
+// are given back before the frame rate is printed and the process ends, with
+// status 0, or 128 + the signal that ended the show.
 #include "app/desktop/capture.h"
 #include "app/desktop/display_mode.h"
+#include "app/desktop/signals.h"
 #include "app/sequencer.h"
 #include "app/shell.h"
 #include "audio/music.h"
@@ -11,6 +13,7 @@
 #include <cstdlib>
 
 void runEndPath() {
+    endPathStarted();
     if (g_fullscreen) {
         restoreDisplayMode();
     }
@@ -18,5 +21,5 @@ void runEndPath() {
     finishCapture();
     std::printf("fps: %2.2f\n", framesPerSecond());
     std::free(g_waveMap);
-    std::exit(0);
+    std::exit(endPathExitStatus());
 }

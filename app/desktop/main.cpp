@@ -3,11 +3,14 @@
 #include "app/desktop/capture.h"
 #include "app/desktop/display_mode.h"
 #include "app/desktop/options.h"
+#include "app/desktop/signals.h"
 #include "app/part_log.h"
 #include "app/sequencer.h"
 #include "app/shell.h"
+#include "app/soundtrack_check.h"
 #include "audio/fixed_step_clock.h"
 #include "audio/music.h"
+#include "base/fatal.h"
 
 #include <GL/freeglut.h>
 
@@ -45,6 +48,8 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "kaskade: %s (try --help)\n", options.error.c_str());
         return 2;
     }
+    installEndSignals();
+    setFatalGiveBack(restoreDisplayMode);
     g_verbose = options.verbose;
     g_soundEnabled = !options.noSound && options.fps == 0;
     if (options.fps != 0) {
@@ -53,10 +58,15 @@ int main(int argc, char** argv) {
 
     if (options.windowed) {
         g_fullscreen = 0;
-    } else if (g_fullscreen) {
-        setDisplayMode(640, 480, 32);
+    } else if (g_fullscreen && setDisplayMode(640, 480, 32) == 0) {
+        installCrashGiveBack();
     }
     openMusic(SOUNDTRACK_FILE);
+    const std::string warning =
+        shortSoundtrackWarning(SOUNDTRACK_FILE, options.fps != 0 ? fixedStepSongMillis() : soundtrackMillis());
+    if (!warning.empty()) {
+        std::fprintf(stderr, "%s\n", warning.c_str());
+    }
 
     glutInit(&argc, argv);
     glutInitDisplayMode(GLUT_RGB | GLUT_DOUBLE | GLUT_DEPTH);

@@ -2,6 +2,7 @@
 // keys and mouse, a closed window, the fullscreen fallback, and the audio
 // failures before any window, each seen from outside the process.
 #include "tests/audio/test_sounds.h"
+#include "tests/support/test_x_server.h"
 
 #include <gtest/gtest.h>
 
@@ -13,6 +14,7 @@
 #include <chrono>
 #include <cstdio>
 #include <fstream>
+#include <memory>
 #include <sstream>
 #include <thread>
 
@@ -38,10 +40,15 @@ std::string run(const std::string& command) {
 }
 
 struct ShowResult {
-    int status = -1;
+    int status = -1;  // the exit status, or -1 when a signal ended the process
+    int signal = 0;   // that signal
     std::string out;
     std::string err;
 };
+
+// What the show says at start about the tests' 20-second soundtrack.
+const std::string SHORT_SONG_WARNING =
+    "kaskade: harbour.mp3 lasts 20.0 s, shorter than the show (226.9 s): the show will not get past part 1\n";
 
 class ShowProcess : public ::testing::Test {
 protected:
@@ -59,7 +66,8 @@ protected:
         ASSERT_EQ(symlink(archive.c_str(), (dir_ + "/3d").c_str()), 0);
     }
 
-    void start(const std::vector<std::string>& arguments) {
+    // Starts kaskade in the test's folder, on `display` when one is given.
+    void start(const std::vector<std::string>& arguments, const std::string& display = "") {
         pid_ = fork();
         if (pid_ == 0) {
             if (chdir(dir_.c_str()) != 0) {
@@ -68,6 +76,9 @@ protected:
             freopen("out.txt", "w", stdout);
             freopen("err.txt", "w", stderr);
             setenv("SDL_AUDIODRIVER", "dummy", 1);
+            if (!display.empty()) {
+                setenv("DISPLAY", display.c_str(), 1);
+            }
             std::vector<char*> argv{const_cast<char*>(KASKADE_PROGRAM)};
             for (const std::string& argument : arguments) {
                 argv.push_back(const_cast<char*>(argument.c_str()));
@@ -79,8 +90,10 @@ protected:
     }
 
     // The show's window id, waiting for it to be mapped.
-    std::string window() {
-        const std::string id = run("timeout 20 xdotool search --sync --onlyvisible --name 'kaskade \\[12\\]' | head -n 1");
+    std::string window(const std::string& display = "") {
+        const std::string on = display.empty() ? "" : "DISPLAY=" + display + " ";
+        const std::string id =
+            run(on + "timeout 20 xdotool search --sync --onlyvisible --name 'kaskade \\[12\\]' | head -n 1");
         return id.substr(0, id.find('\n'));
     }
 
@@ -98,6 +111,7 @@ protected:
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
         }
         result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        result.signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
         result.out = readFile(dir_ + "/out.txt");
         result.err = readFile(dir_ + "/err.txt");
         return result;
@@ -138,7 +152,7 @@ TEST_F(ShowProcess, WindowedShowPrintsTheDemoTimeOnRAndEndsOnEscape) {
     EXPECT_GT(second - first, 4.0) << result.out;
     EXPECT_LT(second - first, 20.0) << result.out;
     EXPECT_TRUE(endsWithFrameRateLine(result.out)) << result.out;
-    EXPECT_EQ(result.err, "") << "the audio libraries' chatter stays off the terminal";
+    EXPECT_EQ(result.err, SHORT_SONG_WARNING) << "the audio libraries' chatter stays off the terminal";
 }
 
 // What a window manager's close button sends.
@@ -184,8 +198,100 @@ TEST_F(ShowProcess, FullscreenFallsBackToTheScreenAsItIsAndLeavesItSo) {
     run("xdotool key --window " + id + " Escape");
     const ShowResult result = finish();
     EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(result.err, SHORT_SONG_WARNING);
     EXPECT_EQ(run("xdotool getdisplaygeometry"), screenBefore);
+}
+
+TEST_F(ShowProcess, EndingSignalsRunTheEndPathWithTheShellsStatus) {
+    // With sound on, so the audio layer's initialisation is part of it.
+    const struct {
+        int signal;
+        int status;
+    } cases[] = {{SIGINT, 130}, {SIGTERM, 143}, {SIGHUP, 129}};
+    for (const auto& c : cases) {
+        start({"--window"});
+        ASSERT_FALSE(window().empty());
+        kill(pid_, c.signal);
+        const ShowResult result = finish();
+        EXPECT_EQ(result.status, c.status) << strsignal(c.signal);
+        EXPECT_TRUE(endsWithFrameRateLine(result.out)) << strsignal(c.signal) << ": " << result.out;
+    }
+}
+
+// A screen larger than the show's that offers 640 x 480 as a second RandR
+// size: the fullscreen show switches to it, and every way out gives the
+// original size back.
+class ScreenGiveBack : public ShowProcess {
+protected:
+    void SetUp() override {
+        ShowProcess::SetUp();
+        if (IsSkipped()) {
+            return;
+        }
+        server_ = std::make_unique<TestXServer>(1024, 768);
+        ASSERT_TRUE(server_->running()) << "Xvfb did not start";
+        ASSERT_TRUE(server_->addMode(640, 480));
+        ASSERT_EQ(server_->currentSize(), ORIGINAL);
+    }
+
+    // The fullscreen show, once it has switched the screen.
+    void startSwitched() {
+        start({}, server_->display());
+        ASSERT_TRUE(sizeBecomes("640x480")) << server_->currentSize();
+    }
+
+    bool sizeBecomes(const std::string& size, int withinMs = 10000) {
+        for (int waited = 0; waited < withinMs; waited += 20) {
+            if (server_->currentSize() == size) {
+                return true;
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+        return server_->currentSize() == size;
+    }
+
+    static constexpr const char* ORIGINAL = "1024x768";
+    std::unique_ptr<TestXServer> server_;
+};
+
+TEST_F(ScreenGiveBack, EscapeAndTheFatalReportsRestoreTheScreenThemselves) {
+    startSwitched();
+    run("DISPLAY=" + server_->display() + " xdotool key --window " + window(server_->display()) + " Escape");
+    ShowResult result = finish();
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(server_->currentSize(), ORIGINAL);
+
+    // Each fatal report keeps its message and status, and the screen is back
+    // by the time the process has ended.
+    std::remove((dir_ + "/3d").c_str());
+    start({}, server_->display());
+    result = finish();
+    EXPECT_EQ(result.status, 255);
+    EXPECT_NE(result.err.find("KOBALT LIBRARY ERROR: cannot open library\n"), std::string::npos) << result.err;
+    EXPECT_EQ(server_->currentSize(), ORIGINAL);
+
+    std::remove((dir_ + "/harbour.mp3").c_str());
+    start({}, server_->display());
+    result = finish();
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "BASS ERROR: Can't play the file\n");
+    EXPECT_EQ(server_->currentSize(), ORIGINAL);
+}
+
+TEST_F(ScreenGiveBack, ACrashOrAKillLeavesItToTheGuard) {
+    // A crash: the screen is restored before the signal ends the process.
+    startSwitched();
+    kill(pid_, SIGSEGV);
+    ShowResult result = finish();
+    EXPECT_EQ(result.signal, SIGSEGV);
+    EXPECT_EQ(server_->currentSize(), ORIGINAL);
+
+    // SIGKILL cannot be caught: the guard sees the show gone and restores.
+    startSwitched();
+    kill(pid_, SIGKILL);
+    result = finish();
+    EXPECT_EQ(result.signal, SIGKILL);
+    EXPECT_TRUE(sizeBecomes(ORIGINAL, 2000)) << server_->currentSize();
 }
 
 TEST_F(ShowProcess, NoSoundRunsWithoutASoundtrack) {

@@ -9,6 +9,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
 
 namespace {
 
@@ -78,6 +80,47 @@ TEST_F(AudioLayer, StreamLoopsSampleExactlyWithAnEndSyncPerLoop) {
     EXPECT_EQ(g_syncCount, 3);
     for (size_t i = 0; i < played.size(); ++i) {
         ASSERT_EQ(played[i], decoded.samples[i % decoded.samples.size()]) << "sample " << i;
+    }
+}
+
+TEST_F(AudioLayer, AnMp3WithOtherBytesBeforeItsFirstFramePlays) {
+    writeMp3(path("clean.mp3"), tone(TONE_FRAMES * 4, TONE_FRAMES * 4, 20000, 20000));
+    std::ifstream in(path("clean.mp3"), std::ios::binary);
+    const std::vector<uint8_t> clean((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    DecodedAudio reference;
+    std::string error;
+    ASSERT_TRUE(decodeSoundtrack(path("clean.mp3"), &reference, &error)) << error;
+
+    std::vector<uint8_t> noise(700);
+    for (size_t i = 0; i < noise.size(); ++i) {
+        noise[i] = static_cast<uint8_t>(i * 37 + 11);
+    }
+    const struct {
+        const char* what;
+        std::vector<uint8_t> before;
+    } cases[] = {
+        {"other bytes", noise},
+        {"a stray frame header", {0xFF, 0xFB, 0x90, 0x64, 0, 0, 0, 0, 0, 0, 0, 0}},
+        {"a frame cut short", std::vector<uint8_t>(clean.end() - 300, clean.end())},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        std::vector<uint8_t> bytes = c.before;
+        bytes.insert(bytes.end(), clean.begin(), clean.end());
+        writeBytes(path("junk.mp3"), bytes);
+        EXPECT_EQ(probeSoundFile(path("junk.mp3").c_str()), SoundFormat::Mp3);
+        DecodedAudio decoded;
+        ASSERT_TRUE(decodeSoundtrack(path("junk.mp3"), &decoded, &error)) << error;
+        // The same song, give or take what the decoder makes of a frame's worth of junk.
+        EXPECT_NEAR(static_cast<double>(decoded.frames()), static_cast<double>(reference.frames()), 1152.0);
+
+        const AudioHandle stream = audioStreamCreateFile(path("junk.mp3").c_str());
+        ASSERT_NE(stream, 0u);
+        audioChannelPlay(stream, true);
+        mix(44100 * 3 / 10);
+        EXPECT_NEAR(static_cast<int>(audioChannelGetLevel(stream) & 0xFFFF), 20000 / 256, 4);
+        audioFree();
+        audioInitWithoutDevice();
     }
 }
 

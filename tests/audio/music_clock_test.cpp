@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 #include <cstdlib>
 
 namespace {
@@ -97,11 +99,24 @@ TEST_F(OpeningMusic, AModuleThatIsNoStreamOpensAsAModule) {
     EXPECT_NE(g_music, 0u);
 }
 
-TEST_F(OpeningMusic, AFileThatOpensNeitherWayIsFatalWithStatusZero) {
+TEST_F(OpeningMusic, AFileThatHoldsNoAudioIsFatalWithStatusZero) {
     writeBytes(path("garbage.mp3"), std::vector<uint8_t>(5000, 0x33));
+    std::vector<uint8_t> noise(200000);
+    uint32_t state = 12345;
+    for (uint8_t& byte : noise) {
+        state = state * 1664525u + 1013904223u;
+        byte = static_cast<uint8_t>(state >> 24);
+    }
+    writeBytes(path("noise.mp3"), noise);
+    writeBytes(path("empty.mp3"), {});
+    ASSERT_EQ(mkdir(path("folder.mp3").c_str(), 0755), 0);
     writeWav(path("sound.wav"), tone(11025, 11025, 9000, 9000));
-    for (const char* name : {"missing.mp3", "garbage.mp3", "sound.wav"}) {
-        const FatalError error = expectFatal([&] { openMusic(path(name).c_str()); });
+    const std::string image = testDataPath("pcx/allegro_mysha.pcx");
+    const std::string scene = testDataPath("3ds/test1.3ds");
+    for (const std::string& file : {path("missing.mp3"), path("garbage.mp3"), path("noise.mp3"), path("empty.mp3"),
+                                    path("folder.mp3"), path("sound.wav"), image, scene}) {
+        const char* name = file.c_str();
+        const FatalError error = expectFatal([&] { openMusic(name); });
         EXPECT_EQ(error.caption, "BASS ERROR") << name;
         EXPECT_EQ(error.text, "Can't play the file") << name;
         EXPECT_EQ(error.status, 0) << name;

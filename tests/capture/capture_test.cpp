@@ -9,6 +9,7 @@
 
 #include <dirent.h>
 #include <sys/wait.h>
+#include <signal.h>
 #include <unistd.h>
 
 #include <cmath>
@@ -169,6 +170,51 @@ TEST_F(Capture, EveryPartStillDrawsItsReferenceFrame) {
         }
         EXPECT_LE(differing, captured.pixels.size() / 1000);
     }
+}
+
+// Every stream's duration and the video's frame count, from ffprobe.
+std::map<std::string, double> probeVideo(const std::string& video) {
+    std::map<std::string, double> probe;
+    FILE* pipe = popen(("ffprobe -v error -count_frames -show_entries stream=codec_type,duration,nb_read_frames "
+                        "-of csv=p=0 " + quoted(video)).c_str(), "r");
+    char type[16];
+    double duration = 0;
+    double frames = 0;
+    while (pipe != nullptr && std::fscanf(pipe, " %15[a-z],%lf,%lf", type, &duration, &frames) >= 2) {
+        probe[std::string(type) + " duration"] = duration;
+        if (std::string(type) == "video") {
+            probe["video frames"] = frames;
+        }
+    }
+    if (pipe != nullptr) {
+        pclose(pipe);
+    }
+    return probe;
+}
+
+TEST_F(Capture, CtrlCEndsAVideoCaptureWithAPlayableVideoOfTheFramesCaptured) {
+    const std::string video = dir_ + "/cut.mp4";
+    const pid_t pid = fork();
+    if (pid == 0) {
+        if (chdir(KASKADE_SHOW_DIR) == 0 && freopen("/dev/null", "w", stdout) && freopen("/dev/null", "w", stderr)) {
+            execl(KASKADE_PROGRAM, KASKADE_PROGRAM, "--capture", video.c_str(), static_cast<char*>(nullptr));
+        }
+        _exit(126);
+    }
+    sleep(4);
+    kill(pid, SIGINT);
+    int status = 0;
+    waitpid(pid, &status, 0);
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 130);
+
+    const std::map<std::string, double> probe = probeVideo(video);
+    ASSERT_EQ(probe.count("video frames"), 1u) << "no video stream";
+    ASSERT_EQ(probe.count("audio duration"), 1u) << "no audio stream";
+    const double frames = probe.at("video frames");
+    EXPECT_GT(frames, 10.0);
+    EXPECT_NEAR(probe.at("video duration"), frames / 30.0, 1.0 / 30.0);
+    EXPECT_NEAR(probe.at("audio duration"), frames / 30.0, 1.0 / 30.0);
 }
 
 TEST_F(Capture, AVideoWithoutFfmpegIsRefusedBeforeTheShowStarts) {

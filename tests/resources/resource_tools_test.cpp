@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <numeric>
@@ -104,6 +105,38 @@ TEST_F(ResourceToolTest, InspectPcxGivesTheReferencePixelsOfEveryTestImageAndArc
     EXPECT_TRUE(loadPng("out.png").pixels == loadPng(testDataPath("pcx/im_rose_69x45_p8.png")).pixels);
     expectFailure(inspectTool("pcx show.3d:scene.3ds out.png"), 1, "This isn't a pcx file");
     expectFailure(inspectTool("pcx show.3d:absent.pcx out.png"), 1, "no entry named 'absent.pcx'");
+}
+
+TEST_F(ResourceToolTest, InspectFindsAnEntryAsTheShowDoesAndTellsUsageFromBadFiles) {
+    // The show's look-up stops at the name; the image's reader meets the cut
+    // (a 24-bit image, whose colours do not wait for a palette at the end).
+    writeBytes("in/rose.pcx", readBytes(testDataPath("pcx/im_rose_69x45_rgb24.pcx")));
+    ASSERT_EQ(archiveTool("create last.3d in/scene.3ds in/rose.pcx").status, 0);
+    const std::vector<uint8_t> whole = readBytes("last.3d");
+    writeBytes("cut.3d", {whole.begin(), whole.end() - 100});
+    ASSERT_EQ(inspectTool("pcx last.3d:rose.pcx whole.png").status, 0);
+    const ToolRun cut = inspectTool("pcx cut.3d:rose.pcx cut.png");
+    ASSERT_EQ(cut.status, 0) << cut.err;
+    const PngImage wholeImage = loadPng("whole.png");
+    const PngImage cutImage = loadPng("cut.png");
+    ASSERT_EQ(cutImage.pixels.size(), wholeImage.pixels.size());
+    const size_t topRows = 10 * 69 * 3;
+    EXPECT_TRUE(std::equal(cutImage.pixels.begin(), cutImage.pixels.begin() + topRows, wholeImage.pixels.begin()));
+
+    // A name the show's reader refuses stops the walk, as it stops the show.
+    std::vector<uint8_t> longName(25, 0);
+    std::fill_n(longName.begin(), 20, 'n');
+    writeBytes("long.3d", longName);
+    expectFailure(inspectTool("scene long.3d:scene.3ds"), 1, "an entry name longer than 19 characters");
+
+    // Usage errors are 2, bad files 1, whatever the command.
+    expectFailure(inspectTool("scene"), 2, "usage: kaskade-inspect scene");
+    expectFailure(inspectTool("scene a b"), 2, "usage: kaskade-inspect scene");
+    expectFailure(inspectTool("render show.3d:scene.3ds"), 2, "usage: kaskade-inspect render");
+    expectFailure(inspectTool("scene show.3d:absent.3ds"), 1, "no entry named 'absent.3ds'");
+    expectFailure(inspectTool("scene missing.3ds"), 1, "missing.3ds: cannot open");
+    expectFailure(inspectTool("render show.3d:absent.3ds out.png"), 1, "no entry named 'absent.3ds'");
+    EXPECT_EQ(inspectTool("no-such-command").status, 2);
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 // registers itself with a static InspectCommand, so adding one touches no other file.
 #pragma once
 
+#include <cstdint>
+#include <cstdio>
 #include <string>
 
 struct InspectCommand {
@@ -22,3 +24,10 @@ struct InspectSource {
     std::string name;     // the file path, or the entry name inside `archive`
 };
 InspectSource parseInspectSource(const std::string& argument);
+
+// Opens `source` for reading: a plain file at its first byte, with *size its
+// length; an archive entry found by the show's own look-up (resources/library.h),
+// at its first data byte, with *size its length field (the data may be cut
+// short by the end of the archive, as the show would meet it). Null and
+// `error` ("PATH: cannot open", "ARCHIVE: no entry named 'NAME'") on failure.
+FILE* openInspectSource(const InspectSource& source, uint32_t* size, std::string* error);

@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "app/desktop/png_file.h"
-#include "resources/archive_format.h"
 #include "resources/pcx_decoder.h"
 #include "resources/texture.h"
 #include "tools/inspect/inspect_command.h"
@@ -27,48 +26,6 @@ struct PcxSource {
     long offset = 0;    // where the PCX file starts in `file`
     uint32_t size = 0;  // its length
 };
-
-bool openPlain(const std::string& path, PcxSource* source, std::string* error) {
-    source->file = std::fopen(path.c_str(), "rb");
-    if (source->file == nullptr) {
-        *error = path + ": cannot open";
-        return false;
-    }
-    std::fseek(source->file, 0, SEEK_END);
-    const long length = std::ftell(source->file);
-    source->size = length < 0 ? 0 : length > static_cast<long>(ARCHIVE_DATA_MAX) ? ARCHIVE_DATA_MAX : length;
-    return true;
-}
-
-// Finds the first entry named `name`, as the show's look-up does.
-bool openEntry(const std::string& archivePath, const std::string& name, PcxSource* source, std::string* error) {
-    std::vector<uint8_t> archive;
-    if (!readWholeFile(archivePath, &archive, error)) {
-        return false;
-    }
-    ArchiveWalker walker{archive.data(), archive.size()};
-    ArchiveEntryView entry;
-    for (;;) {
-        const ArchiveStep step = walker.next(&entry);
-        if (step == ArchiveStep::End) {
-            *error = archivePath + ": no entry named '" + name + "'";
-            return false;
-        }
-        if (step != ArchiveStep::Entry) {
-            *error = archivePath + ": " + describeArchiveProblem(step, entry);
-            return false;
-        }
-        if (entry.name == name) {
-            break;
-        }
-    }
-    if (!openPlain(archivePath, source, error)) {
-        return false;
-    }
-    source->offset = static_cast<long>(entry.dataOffset);
-    source->size = entry.size;
-    return true;
-}
 
 // Parses "WIDTHxHEIGHT" with both in 1..16384.
 bool parseSize(const std::string& text, int* width, int* height) {
@@ -110,14 +67,13 @@ int runPcx(int argc, char** argv) {
         std::fprintf(stderr, "usage: kaskade-inspect pcx IMAGE OUT.png [WIDTHxHEIGHT]\n");
         return 2;
     }
-    const InspectSource where = parseInspectSource(argv[1]);
     PcxSource source;
     std::string error;
-    const bool opened = where.archive.empty() ? openPlain(where.name, &source, &error)
-                                              : openEntry(where.archive, where.name, &source, &error);
-    if (!opened) {
+    source.file = openInspectSource(parseInspectSource(argv[1]), &source.size, &error);
+    if (source.file == nullptr) {
         return fail(error);
     }
+    source.offset = std::ftell(source.file);
     Texture texture{};
     const bool decoded = decode(source, width, height, &texture, &error);
     std::fclose(source.file);

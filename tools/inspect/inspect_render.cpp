@@ -5,8 +5,6 @@
 // it has none, and a flat grey for faces that have no material to draw with.
 #include <GL/freeglut.h>
 #include <GL/glu.h>
-#include <fcntl.h>
-#include <unistd.h>
 
 #include <cmath>
 #include <cstdio>
@@ -18,7 +16,6 @@
 #include "app/gl_start_state.h"
 #include "app/desktop/png_file.h"
 #include "engine/world.h"
-#include "resources/library.h"
 #include "tools/inspect/inspect_command.h"
 
 namespace {
@@ -43,42 +40,17 @@ bool parseFrame(const char* text, float* frame) {
     return end != text && *end == '\0' && std::isfinite(*frame);
 }
 
-// A plain .3ds file. Bad data ends the process through the engine's report.
-bool loadPlain(World& world, const std::string& path, std::string* error) {
-    FILE* file = std::fopen(path.c_str(), "rb");
+// The scene, plain or an archive entry. Bad data ends the process through the
+// engine's report.
+bool loadScene(World& world, const InspectSource& source, std::string* error) {
+    uint32_t size = 0;
+    FILE* file = openInspectSource(source, &size, error);
     if (file == nullptr) {
-        *error = path + ": cannot open";
         return false;
     }
     world.loadFromFile(file);
     std::fclose(file);
     return true;
-}
-
-// An archive entry, read as the show reads it. The library takes archive
-// names of at most 19 characters, so it opens the archive from its own folder.
-bool loadEntry(World& world, const std::string& archive, const std::string& entry, std::string* error) {
-    const size_t slash = archive.rfind('/');
-    const std::string folder = slash == std::string::npos ? "." : archive.substr(0, slash + 1);
-    const std::string name = slash == std::string::npos ? archive : archive.substr(slash + 1);
-    const int previous = ::open(".", O_RDONLY | O_DIRECTORY);
-    if (previous < 0 || ::chdir(folder.c_str()) != 0) {
-        *error = archive + ": cannot enter its folder";
-        if (previous >= 0) {
-            ::close(previous);
-        }
-        return false;
-    }
-    Library library;
-    library.open(name.c_str());
-    world.load(entry.c_str(), library);
-    library.close();
-    const bool back = ::fchdir(previous) == 0;
-    ::close(previous);
-    if (!back) {
-        *error = "cannot return to the working folder";
-    }
-    return back;
 }
 
 // Faces without a material, or whose material has no drawing mode, get a
@@ -230,12 +202,9 @@ int runRender(int argc, char** argv) {
         std::fprintf(stderr, "usage: kaskade-inspect render SCENE OUT.png [--frame F]\n");
         return 2;
     }
-    const InspectSource where = parseInspectSource(argv[1]);
     World world;
     std::string error;
-    const bool loaded =
-        where.archive.empty() ? loadPlain(world, where.name, &error) : loadEntry(world, where.archive, where.name, &error);
-    if (!loaded) {
+    if (!loadScene(world, parseInspectSource(argv[1]), &error)) {
         return fail(error);
     }
     const int32_t fileLights = world.lightCount + world.spotlightCount;

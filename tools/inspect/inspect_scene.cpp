@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "engine/world.h"
-#include "resources/archive_format.h"
 #include "tools/inspect/inspect_command.h"
 
 namespace {
@@ -18,45 +17,9 @@ int fail(const std::string& message) {
     return 1;
 }
 
-// Opens the scene and leaves the stream at its first byte: a plain file at 0,
-// an archive entry at its data, where the show's look-up would leave it.
-FILE* openScene(const InspectSource& source, std::string* error) {
-    if (source.archive.empty()) {
-        FILE* file = std::fopen(source.name.c_str(), "rb");
-        if (file == nullptr) {
-            *error = source.name + ": cannot open";
-        }
-        return file;
-    }
-    std::vector<uint8_t> archive;
-    if (!readWholeFile(source.archive, &archive, error)) {
-        return nullptr;
-    }
-    ArchiveWalker walker{archive.data(), archive.size()};
-    ArchiveEntryView entry;
-    for (;;) {
-        const ArchiveStep step = walker.next(&entry);
-        if (step == ArchiveStep::End) {
-            *error = source.archive + ": no entry named '" + source.name + "'";
-            return nullptr;
-        }
-        if (step != ArchiveStep::Entry) {
-            *error = source.archive + ": " + describeArchiveProblem(step, entry);
-            return nullptr;
-        }
-        if (entry.name == source.name) {
-            break;
-        }
-    }
-    FILE* file = std::fopen(source.archive.c_str(), "rb");
-    if (file == nullptr || std::fseek(file, static_cast<long>(entry.dataOffset), SEEK_SET) != 0) {
-        *error = source.archive + ": cannot open";
-        if (file != nullptr) {
-            std::fclose(file);
-        }
-        return nullptr;
-    }
-    return file;
+int usage() {
+    std::fprintf(stderr, "usage: kaskade-inspect scene SCENE\n");
+    return 2;
 }
 
 // A JSON string; bytes outside printable ASCII are written as \u00XX.
@@ -174,10 +137,11 @@ void printWorld(const World& world) {
 
 int runScene(int argc, char** argv) {
     if (argc != 2) {
-        return fail("usage: kaskade-inspect scene SCENE");
+        return usage();
     }
     std::string error;
-    FILE* file = openScene(parseInspectSource(argv[1]), &error);
+    uint32_t size = 0;
+    FILE* file = openInspectSource(parseInspectSource(argv[1]), &size, &error);
     if (file == nullptr) {
         return fail(error);
     }

@@ -3,7 +3,6 @@
 
 #include <cstdio>
 #include <cstring>
-#include <sys/stat.h>
 #include <vector>
 
 namespace {
@@ -27,18 +26,6 @@ void printUsage(FILE* out) {
 InspectCommand::InspectCommand(const char* name_, const char* usage_, const char* about_, int (*run_)(int, char**))
     : name(name_), usage(usage_), about(about_), run(run_) {
     commands().push_back(this);
-}
-
-InspectSource parseInspectSource(const std::string& argument) {
-    struct stat info {};
-    if (stat(argument.c_str(), &info) == 0) {
-        return {"", argument};
-    }
-    const size_t colon = argument.rfind(':');
-    if (colon == std::string::npos || colon == 0) {
-        return {"", argument};
-    }
-    return {argument.substr(0, colon), argument.substr(colon + 1)};
 }
 
 int main(int argc, char** argv) {

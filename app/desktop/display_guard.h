@@ -1,0 +1,26 @@
+// The guard of a switched display mode: a small process, started before the
+// show switches the mode, that holds the original mode and gives it back when
+// the show cannot (killed with SIGKILL, crashed, or stuck on a frozen X
+// connection and killed).
+//
+// How the guard knows the show is gone: it waits on a pipe whose writing end
+// only the show holds. When the show's process ends by any means, the kernel
+// closes that end and the guard reads end-of-file; unless the show said
+// beforehand that it restored the mode itself, the guard restores it, through
+// an X connection of its own, and ends. The guard ignores the terminal's
+// signals and sits in a process group of its own, so Ctrl-C reaches only the show.
+#pragma once
+
+#include "app/desktop/display_mode.h"
+
+// Starts the guard holding `original`. False when no process can be started
+// (the caller then does not switch).
+bool startDisplayGuard(ScreenMode original);
+
+// The show restored the mode itself (or never switched it): the guard ends
+// without touching the display. Nothing when no guard runs.
+void displayGuardRelease();
+
+// Async-signal-safe: asks the guard to restore the mode now and waits until it
+// has (two seconds at most). For a crash handler, which cannot use X itself.
+void displayGuardRestoreNow();
