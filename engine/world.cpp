@@ -124,18 +124,13 @@ void World::bindMaterials(MeshObject& mesh) {
     }
 }
 
-// Wraps time past `end` by subtracting `end` while it is greater. Far beyond
-// the end the same remainder is taken in one step, so that no time makes
-// the subtraction run for ever (or stall where end no longer changes it).
+// A time past `end` (> 0) as subtracting `end` while it is greater leaves it:
+// the remainder of time / end, except that a whole multiple of end stays at
+// end itself (200 with end 100 gives 100, not 0). fmod is exact for every
+// float, so no time loops or loses the remainder, however far past the end.
 static float wrapFrame(float time, float end) {
-    constexpr float kMaxSteps = 4096.0f;
-    if (time > end * kMaxSteps) {
-        time = std::fmod(time, end);
-    }
-    while (time > end) {
-        time = time - end;
-    }
-    return time;
+    const float rest = std::fmod(time, end);
+    return rest == 0.0f ? end : rest;
 }
 
 void World::setFrame(float time) {
