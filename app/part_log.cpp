@@ -17,6 +17,10 @@ struct PartTimes {
     long frames = 0;
 };
 PartTimes g_current;
+// Taken when the program starts (static initialisation, before main).
+const Clock::time_point g_programStart = Clock::now();
+bool g_firstFrameSeen = false;
+int g_pass = 1;
 
 double secondsSince(Clock::time_point start) { return std::chrono::duration<double>(Clock::now() - start).count(); }
 
@@ -42,11 +46,28 @@ void partFrameDrawn(int32_t part, bool ended) {
     if (!g_verbose) {
         return;
     }
+    if (!g_firstFrameSeen) {
+        g_firstFrameSeen = true;
+        printLogLine("first frame %.1f ms after the program started", secondsSince(g_programStart) * 1000.0);
+    }
     ++g_current.frames;
     if (ended) {
         const double seconds = secondsSince(g_current.drawingStarted);
         printLogLine("part %d ended at demo time %.3f: %ld frames, %.1f frames/s", part,
                      static_cast<double>(g_demoTime), g_current.frames,
                      seconds > 0.0 ? static_cast<double>(g_current.frames) / seconds : 0.0);
+    }
+}
+
+void partsRebuilt(int32_t part, double milliseconds) {
+    if (g_verbose) {
+        printLogLine("parts 1 to %d rebuilt in %.1f ms", part - 1, milliseconds);
+    }
+}
+
+void showStartsOver() {
+    ++g_pass;
+    if (g_verbose) {
+        printLogLine("the show starts over: pass %d", g_pass);
     }
 }

@@ -12,3 +12,8 @@ void partSetupBegins(int32_t part);
 void partSetupEnds(int32_t part);
 // After each draw step of `part`; `ended` when the step moved the counter on.
 void partFrameDrawn(int32_t part, bool ended);
+
+// After the show rebuilt parts 1..part-1 to start at `part`.
+void partsRebuilt(int32_t part, double milliseconds);
+// The looping show starts over at part 1.
+void showStartsOver();

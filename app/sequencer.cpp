@@ -19,6 +19,7 @@ const PartSteps SHOW_PARTS[PART_COUNT] = {
 
 const PartSteps* g_partSteps = SHOW_PARTS;
 void (*g_endPath)() = runEndPath;
+void (*g_showStartsOver)() = nullptr;
 
 namespace {
 
@@ -34,6 +35,8 @@ void onFrame() {
     if (g_endRequested) {
         g_partCounter = PART_COUNTER_END;
     }
+    // Only the last part's own end, in this call, is an end the show may loop from.
+    const bool playing = g_partCounter != PART_COUNTER_END;
     // Part 1's draw step sets itself up on the first call.
     if (g_partCounter < 2) {
         const bool firstCall = g_partCounter == 0;
@@ -60,6 +63,10 @@ void onFrame() {
         }
     }
     if (g_partCounter == PART_COUNTER_END) {
-        g_endPath();
+        if (playing && g_showStartsOver != nullptr) {
+            g_showStartsOver();
+        } else {
+            g_endPath();
+        }
     }
 }

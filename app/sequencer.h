@@ -30,6 +30,10 @@ struct PartSteps {
 extern const PartSteps* g_partSteps;
 // What the end state runs: runEndPath unless a test replaces it.
 extern void (*g_endPath)();
+// What the last part's own end runs instead of the end path when the show
+// loops: null (the show ends) unless the platform sets it. Escape, a mouse
+// button, a closed window or a signal still end a looping show.
+extern void (*g_showStartsOver)();
 
 // The display and idle callback.
 void onFrame();

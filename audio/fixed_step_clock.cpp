@@ -19,8 +19,7 @@ struct FixedStep {
 FixedStep g_fixedStep;
 
 uint32_t fixedStepMillis() {
-    const double exact = static_cast<double>(g_fixedStep.frames) * 1000.0 / g_fixedStep.fps;
-    const uint32_t now = static_cast<uint32_t>(std::llround(exact));
+    const uint32_t now = fixedStepMillisOf(g_fixedStep.frames, g_fixedStep.fps);
     // The soundtrack reached its end and starts again: the end sync's move of the zero.
     if (g_fixedStep.songMillis > 0) {
         while (static_cast<int32_t>(now - g_musicStartTick.load()) >= static_cast<int32_t>(g_fixedStep.songMillis)) {
@@ -30,9 +29,10 @@ uint32_t fixedStepMillis() {
     return now;
 }
 
-// The 20 ms of the soundtrack that ends at the current song position.
+// The 20 ms of the soundtrack that ends at the current song position, read on
+// whichever clock is installed (another one while the show rebuilds earlier parts).
 uint32_t fixedStepLevel(AudioHandle) {
-    return songLevelAt(g_fixedStep.soundtrack, static_cast<int32_t>(fixedStepMillis() - g_musicStartTick.load()));
+    return songLevelAt(g_fixedStep.soundtrack, static_cast<int32_t>(g_millisecondClock() - g_musicStartTick.load()));
 }
 
 }  // namespace
@@ -53,9 +53,15 @@ bool startFixedStepClock(int fps, const std::string& soundtrackPath, std::string
     return true;
 }
 
+uint32_t fixedStepMillisOf(long frame, int fps) {
+    return static_cast<uint32_t>(std::llround(static_cast<double>(frame) * 1000.0 / fps));
+}
+
 bool fixedStepClockActive() { return g_fixedStep.active; }
 
 void advanceFixedStepClock() { ++g_fixedStep.frames; }
+
+void setFixedStepFrame(long frame) { g_fixedStep.frames = frame; }
 
 uint32_t fixedStepSongMillis() { return g_fixedStep.songMillis; }
 

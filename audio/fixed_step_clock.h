@@ -13,11 +13,18 @@
 // path, levels report the no-channel value as a silent show does.
 bool startFixedStepClock(int fps, const std::string& soundtrackPath, std::string* error);
 
+// The clock reading (ms) of frame `frame` at `fps`: round(frame * 1000 / fps).
+uint32_t fixedStepMillisOf(long frame, int fps);
+
 // True once startFixedStepClock has succeeded.
 bool fixedStepClockActive();
 
 // One more frame has been swapped.
 void advanceFixedStepClock();
+
+// The next frame swapped is frame `frame` of the show: a show that starts at a
+// later part, or starts over.
+void setFixedStepFrame(long frame);
 
 // The decoded soundtrack's length in milliseconds; 0 for a silent show.
 uint32_t fixedStepSongMillis();

@@ -40,14 +40,24 @@ void startMusic() {
     g_musicStartTick = g_millisecondClock();
 }
 
+void startMusicAt(uint32_t positionMillis) {
+    const AudioHandle channel = g_stream != 0 ? g_stream : g_music;
+    audioStart();
+    audioChannelSetPosition(channel, positionMillis);
+    audioChannelPlay(channel, true);
+    g_musicStartTick = g_millisecondClock() - positionMillis;
+}
+
 uint32_t soundtrackMillis() { return audioChannelGetLength(g_stream != 0 ? g_stream : g_music); }
+
+float demoTimeOf(int32_t elapsedMillis) { return static_cast<float>(elapsedMillis * DEMO_TIME_SCALE); }
 
 void updateMusicClock() {
     const int32_t elapsed = static_cast<int32_t>(g_millisecondClock() - g_musicStartTick.load(std::memory_order_relaxed));
     const uint32_t level = g_levelSource(g_stream != 0 ? g_stream : g_music);
     g_levelRight = level >> 16;
     g_levelLeft = level & 0xFFFF;
-    g_demoTime = static_cast<float>(elapsed * DEMO_TIME_SCALE);
+    g_demoTime = demoTimeOf(elapsed);
 }
 
 void closeMusic() { audioFree(); }

@@ -29,8 +29,14 @@ extern bool g_soundEnabled;
 void openMusic(const char* fileName);
 // Starts playback (looping) and sets the clock's zero after it.
 void startMusic();
+// Starts (or restarts) playback `positionMillis` into the song and sets the
+// clock's zero that far back, so the demo time starts at that position.
+void startMusicAt(uint32_t positionMillis);
 // The opened soundtrack's length in milliseconds; 0 without one.
 uint32_t soundtrackMillis();
+// The demo time `elapsedMillis` after the clock's zero: computed in double,
+// stored as float, as every frame's demo time is.
+float demoTimeOf(int32_t elapsedMillis);
 // Refreshes g_demoTime, g_levelLeft and g_levelRight.
 void updateMusicClock();
 // Frees the audio layer and stops the sound.

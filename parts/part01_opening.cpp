@@ -8,9 +8,10 @@
 #include "overlay/overlay.h"
 #include "parts/beat_reveal.h"
 #include "parts/opening_latches.h"
+#include "parts/part_assets.h"
 #include "parts/part_frame.h"
-#include "parts/part_schedule.h"
 #include "parts/part_materials.h"
+#include "parts/part_schedule.h"
 #include "parts/part_state.h"
 #include "parts/parts.h"
 #include "parts/scene_needs.h"
@@ -50,13 +51,11 @@ void setTurningMeshesTranslation(float y) {
 }  // namespace
 
 void setupPart1() {
+    const bool firstStart = g_testWorld == nullptr;
     g_library->open("3d");
-    g_objectsTexture = new Texture;
-    g_logoTexture = new Texture;
-    g_objectsTexture->load(*g_library, "objects.pcx", 512, 256, false);
-    g_logoTexture->load(*g_library, "mark12.pcx", 512, 256, false);
-    g_testWorld = new World;
-    g_testWorld->load("test.3ds", *g_library);
+    partTexture(g_objectsTexture, "objects.pcx", 512, 256);
+    partTexture(g_logoTexture, "mark12.pcx", 512, 256);
+    partWorld(g_testWorld, "test.3ds");
     requireScene(*g_testWorld, "test.3ds", TURNING_MESHES, 0);
     g_testWorld->camera->fov = PART_FOV;
     setPartMaterial(*g_testWorld, "GREEN FLAT", MODE_FLAT, nullptr, 0x80A0D237, MAT_ALPHA);
@@ -65,8 +64,16 @@ void setupPart1() {
     for (int32_t i = TURNING_MESHES; i < g_testWorld->meshCount; ++i) {
         g_testWorld->meshes[i]->flags &= static_cast<uint8_t>(~MESH_VISIBLE);
     }
+    // As at the show's start, also when it starts over.
+    g_revealIndex = 3;
+    g_revealArmed = 1;
+    g_logoSlideStart = 0.0f;
+    g_riseStart = 0.0f;
     g_library->close();
-    startFrameCounter();
+    // The frame rate covers every pass of a looping show.
+    if (firstStart) {
+        startFrameCounter();
+    }
     updateMusicClock();
     g_partStart = g_partTime;
 }

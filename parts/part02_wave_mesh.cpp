@@ -6,9 +6,10 @@
 #include "audio/music.h"
 #include "engine/world.h"
 #include "overlay/overlay.h"
+#include "parts/part_assets.h"
 #include "parts/part_frame.h"
-#include "parts/part_schedule.h"
 #include "parts/part_materials.h"
+#include "parts/part_schedule.h"
 #include "parts/part_state.h"
 #include "parts/parts.h"
 #include "parts/scene_needs.h"
@@ -38,18 +39,17 @@ constexpr float SHELL_SCALE = 1.2f;
 
 void setupPart2() {
     g_library->open("3d");
-    g_credTexture = new Texture;
-    g_xxxTexture = new Texture;
-    g_credTexture->load(*g_library, "cred.pcx", 512, 256, false);
-    g_xxxTexture->load(*g_library, "xxx.pcx", 512, 256, false);
-    g_stilWorld = new World;
-    g_stilWorld->load("stil.3ds", *g_library);
+    partTexture(g_credTexture, "cred.pcx", 512, 256);
+    partTexture(g_xxxTexture, "xxx.pcx", 512, 256);
+    partWorld(g_stilWorld, "stil.3ds");
     requireScene(*g_stilWorld, "stil.3ds", 2, 1);
     requireRestShape(*g_stilWorld, "stil.3ds", WAVE_MESH, REST_MESH);
     g_stilWorld->camera->fov = PART_FOV;
     setPartMaterial(*g_stilWorld, "ORANGE FLAT", MODE_WIRE, nullptr, 0xC8FFFFFF, MAT_ADD);
     g_stilWorld->meshes[REST_MESH]->flags &= static_cast<uint8_t>(~MESH_VISIBLE);
-    g_waveMap = static_cast<uint8_t*>(std::malloc(WAVE_MAP_BYTES));
+    if (g_waveMap == nullptr) {
+        g_waveMap = static_cast<uint8_t*>(std::malloc(WAVE_MAP_BYTES));
+    }
     glEnable(GL_DEPTH_TEST);
     finishPartSetup();
 }

@@ -4,9 +4,10 @@
 #include "app/sequencer.h"
 #include "app/shell.h"
 #include "engine/world.h"
+#include "parts/part_assets.h"
 #include "parts/part_frame.h"
-#include "parts/part_schedule.h"
 #include "parts/part_materials.h"
+#include "parts/part_schedule.h"
 #include "parts/part_state.h"
 #include "parts/parts.h"
 #include "parts/room_view.h"
@@ -29,11 +30,9 @@ constexpr float END_TIME = partEndTime(3);
 
 void setupPart3() {
     g_library->open("3d");
-    g_rumWorld = new World;
-    g_rumWorld->load("rum.3ds", *g_library);
+    partWorld(g_rumWorld, "rum.3ds");
     requireScene(*g_rumWorld, "rum.3ds", 0, 2);
-    g_oooTexture = new Texture;
-    g_oooTexture->load(*g_library, "ooo.pcx", 512, 256, false);
+    partTexture(g_oooTexture, "ooo.pcx", 512, 256);
     g_rumWorld->camera->fov = PART_FOV;
     setPartMaterial(*g_rumWorld, "WHITE WIRE", MODE_WIRE, nullptr, 0x649B9B9B, MAT_DARKEN);
     glDisable(GL_DEPTH_TEST);

@@ -6,9 +6,10 @@
 #include "app/shell.h"
 #include "audio/music.h"
 #include "engine/world.h"
+#include "parts/part_assets.h"
 #include "parts/part_frame.h"
-#include "parts/part_schedule.h"
 #include "parts/part_materials.h"
+#include "parts/part_schedule.h"
 #include "parts/part_state.h"
 #include "parts/parts.h"
 #include "parts/room_view.h"
@@ -29,8 +30,7 @@ constexpr float END_TIME = partEndTime(4);
 
 void setupPart4() {
     g_library->open("3d");
-    g_rum2World = new World;
-    g_rum2World->load("rum2.3ds", *g_library);
+    partWorld(g_rum2World, "rum2.3ds");
     requireScene(*g_rum2World, "rum2.3ds", 0, 2);
     g_rum2World->camera->fov = PART_FOV;
     setPartMaterial(*g_rum2World, "WHITE WIRE", MODE_WIRE, nullptr, 0x649B9B9B, MAT_DARKEN);

@@ -5,6 +5,7 @@
 #include "app/shell.h"
 #include "engine/world.h"
 #include "overlay/overlay.h"
+#include "parts/part_assets.h"
 #include "parts/part_frame.h"
 #include "parts/part_schedule.h"
 #include "parts/part_state.h"
@@ -40,8 +41,7 @@ constexpr PassMaterial MATERIALS[] = {
 
 void setupPart5() {
     g_library->open("3d");
-    g_world2d = new World;
-    g_world2d->load("2d.3ds", *g_library);
+    partWorld(g_world2d, "2d.3ds");
     requireScene(*g_world2d, "2d.3ds", SPINNING_MESHES, 2);
     g_world2d->camera->fov = PART_FOV;
     finishPartSetup();

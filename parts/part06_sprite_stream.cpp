@@ -5,6 +5,7 @@
 #include "app/shell.h"
 #include "engine/world.h"
 #include "overlay/overlay.h"
+#include "parts/part_assets.h"
 #include "parts/part_frame.h"
 #include "parts/part_schedule.h"
 #include "parts/part_state.h"
@@ -37,12 +38,9 @@ constexpr PassMaterial MATERIALS[] = {
 
 void setupPart6() {
     g_library->open("3d");
-    g_texture2 = new Texture;
-    g_texture2->load(*g_library, "texture2.pcx", 256, 256, false);
-    g_partTexture = new Texture;
-    g_partTexture->load(*g_library, "part.pcx", 512, 256, false);
-    g_world3d = new World;
-    g_world3d->load("3d.3ds", *g_library);
+    partTexture(g_texture2, "texture2.pcx", 256, 256);
+    partTexture(g_partTexture, "part.pcx", 512, 256);
+    partWorld(g_world3d, "3d.3ds");
     requireScene(*g_world3d, "3d.3ds", 0, 1);
     g_world3d->camera->fov = PART_FOV;
     finishPartSetup();

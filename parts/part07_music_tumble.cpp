@@ -8,6 +8,7 @@
 #include "engine/world.h"
 #include "overlay/overlay.h"
 #include "parts/loudness_bands.h"
+#include "parts/part_assets.h"
 #include "parts/part_frame.h"
 #include "parts/part_schedule.h"
 #include "parts/part_state.h"
@@ -58,10 +59,8 @@ void pushLoudestBand(World& world, uint32_t levelSum) {
 
 void setupPart7() {
     g_library->open("3d");
-    g_greetTexture = new Texture;
-    g_greetTexture->load(*g_library, "greet.pcx", 512, 256, false);
-    g_world4d = new World;
-    g_world4d->load("4d.3ds", *g_library);
+    partTexture(g_greetTexture, "greet.pcx", 512, 256);
+    partWorld(g_world4d, "4d.3ds");
     requireScene(*g_world4d, "4d.3ds", 0, 0);
     g_world4d->camera->fov = PART_FOV;
     finishPartSetup();

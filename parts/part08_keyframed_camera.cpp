@@ -4,9 +4,10 @@
 #include "app/sequencer.h"
 #include "app/shell.h"
 #include "engine/world.h"
+#include "parts/part_assets.h"
 #include "parts/part_frame.h"
-#include "parts/part_schedule.h"
 #include "parts/part_materials.h"
+#include "parts/part_schedule.h"
 #include "parts/part_state.h"
 #include "parts/parts.h"
 #include "parts/scene_needs.h"
@@ -25,8 +26,7 @@ constexpr float FRAMES_PER_TIME_UNIT = 4.0f;
 
 void setupPart8() {
     g_library->open("3d");
-    g_world5d = new World;
-    g_world5d->load("5d.3ds", *g_library);
+    partWorld(g_world5d, "5d.3ds");
     requireScene(*g_world5d, "5d.3ds", 0, 0);
     g_world5d->camera->fov = PART_FOV;
     finishPartSetup();

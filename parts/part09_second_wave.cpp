@@ -6,6 +6,7 @@
 #include "app/shell.h"
 #include "engine/world.h"
 #include "overlay/overlay.h"
+#include "parts/part_assets.h"
 #include "parts/part_frame.h"
 #include "parts/part_schedule.h"
 #include "parts/part_state.h"
@@ -52,10 +53,8 @@ void setVisible(MeshObject& mesh, bool visible) {
 
 void setupPart9() {
     g_library->open("3d");
-    g_everTexture = new Texture;
-    g_everTexture->load(*g_library, "ever.pcx", 512, 256, false);
-    g_world6d = new World;
-    g_world6d->load("6d.3ds", *g_library);
+    partTexture(g_everTexture, "ever.pcx", 512, 256);
+    partWorld(g_world6d, "6d.3ds");
     requireScene(*g_world6d, "6d.3ds", REST_MESH + 1, 1);
     requireRestShape(*g_world6d, "6d.3ds", WAVE_MESH, REST_MESH);
     g_world6d->camera->fov = PART_FOV;

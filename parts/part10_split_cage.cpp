@@ -5,6 +5,7 @@
 #include "app/shell.h"
 #include "engine/world.h"
 #include "overlay/overlay.h"
+#include "parts/part_assets.h"
 #include "parts/part_frame.h"
 #include "parts/part_schedule.h"
 #include "parts/part_state.h"
@@ -36,10 +37,8 @@ constexpr int MATERIAL_COUNT = static_cast<int>(std::size(MATERIALS));
 
 void setupPart10() {
     g_library->open("3d");
-    g_forgetTexture = new Texture;
-    g_forgetTexture->load(*g_library, "forget.pcx", 512, 256, false);
-    g_world7d = new World;
-    g_world7d->load("7d.3ds", *g_library);
+    partTexture(g_forgetTexture, "forget.pcx", 512, 256);
+    partWorld(g_world7d, "7d.3ds");
     requireScene(*g_world7d, "7d.3ds", 2, 0);
     g_world7d->camera->fov = PART_FOV;
     finishPartSetup();

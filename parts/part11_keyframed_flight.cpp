@@ -6,9 +6,10 @@
 #include "app/shell.h"
 #include "engine/world.h"
 #include "overlay/overlay.h"
+#include "parts/part_assets.h"
 #include "parts/part_frame.h"
-#include "parts/part_schedule.h"
 #include "parts/part_materials.h"
+#include "parts/part_schedule.h"
 #include "parts/part_state.h"
 #include "parts/parts.h"
 #include "parts/scene_needs.h"
@@ -31,10 +32,8 @@ constexpr Colour BLUE = 0x64737D87;
 
 void setupPart11() {
     g_library->open("3d");
-    g_invertTexture = new Texture;
-    g_invertTexture->load(*g_library, "invert.pcx", 512, 256, false);
-    g_world8d = new World;
-    g_world8d->load("8d.3ds", *g_library);
+    partTexture(g_invertTexture, "invert.pcx", 512, 256);
+    partWorld(g_world8d, "8d.3ds");
     requireScene(*g_world8d, "8d.3ds", 0, 0);
     g_world8d->camera->fov = PART_FOV;
     finishPartSetup();

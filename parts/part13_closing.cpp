@@ -5,6 +5,7 @@
 #include "app/shell.h"
 #include "engine/world.h"
 #include "overlay/overlay.h"
+#include "parts/part_assets.h"
 #include "parts/part_frame.h"
 #include "parts/part_schedule.h"
 #include "parts/part_state.h"
@@ -27,10 +28,8 @@ constexpr float FOG_DENSITY = 0.008f;
 
 void setupPart13() {
     g_library->open("3d");
-    g_outsideTexture = new Texture;
-    g_outsideTexture->load(*g_library, "outside.pcx", 512, 256, false);
-    g_world9d = new World;
-    g_world9d->load("9d.3ds", *g_library);
+    partTexture(g_outsideTexture, "outside.pcx", 512, 256);
+    partWorld(g_world9d, "9d.3ds");
     requireScene(*g_world9d, "9d.3ds", 0, 0);
     g_world9d->camera->fov = PART_FOV;
     finishPartSetup();

@@ -10,6 +10,7 @@
 
 const float PART_CLEAR_COLOUR[4] = {0.6f, 0.2f, 0.1f, 0.5f};
 const float WHITE_FOG_COLOUR[4] = {1.0f, 1.0f, 1.0f, 1.0f};
+bool g_framesUnseen = false;
 
 void finishPartSetup() {
     g_library->close();
@@ -46,6 +47,9 @@ void resetModelView() {
 }
 
 void finishPartFrame() {
+    if (g_framesUnseen) {
+        return;
+    }
     g_frameCount += 1;
     presentFrame();
 }

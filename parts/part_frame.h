@@ -37,5 +37,11 @@ void endPartAfter(float endTime);
 // 640 x 480 layout with no view transform.
 void resetModelView();
 
-// g_frameCount += 1; then the frame is shown (presentFrame).
+// g_frameCount += 1; then the frame is shown (presentFrame). Neither while
+// g_framesUnseen is set.
 void finishPartFrame();
+
+// Set while the show rebuilds what earlier parts leave behind (starting at a
+// later part): their draw steps then run in full but their frames are neither
+// counted nor shown.
+extern bool g_framesUnseen;

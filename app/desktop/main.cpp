@@ -3,10 +3,12 @@
 #include "app/desktop/capture.h"
 #include "app/desktop/display_mode.h"
 #include "app/desktop/options.h"
+#include "app/desktop/show_loop.h"
 #include "app/desktop/signals.h"
 #include "app/part_log.h"
 #include "app/sequencer.h"
 #include "app/shell.h"
+#include "app/show_start.h"
 #include "app/soundtrack_check.h"
 #include "audio/fixed_step_clock.h"
 #include "audio/music.h"
@@ -87,7 +89,10 @@ int main(int argc, char** argv) {
     glutSetOption(GLUT_ACTION_ON_WINDOW_CLOSE, GLUT_ACTION_GLUTMAINLOOP_RETURNS);
     glutCloseFunc(onWindowClose);
 
-    startMusic();
+    if (options.loop) {
+        loopTheShow();
+    }
+    startShowAt(options.part, options.fps);
     glutMainLoop();
     runEndPath();
 }

@@ -12,6 +12,8 @@ struct ShowOptions {
     int fps = 0;              // --fps N: the fixed-step clock at N frames/s (1..240); 0: the wall clock
     std::string capturePath;  // --capture PATH: PNG frames in a directory, or a .mp4/.mkv/.webm video
     bool verbose = false;     // --verbose: a line per part on standard error
+    int part = 1;             // --part N: the show starts at part N (1..13)
+    bool loop = false;        // --loop: after the last part the show starts over at part 1
     std::string error;        // a known option with a bad value; the show does not start
 };
 

@@ -3,8 +3,11 @@
 // nothing but the end path.
 #include "app/sequencer.h"
 #include "app/shell.h"
+#include "app/show_start.h"
 #include "audio/clock.h"
 #include "audio/music.h"
+#include "parts/part_frame.h"
+#include "parts/part_schedule.h"
 
 #include <GL/freeglut.h>
 #include <gtest/gtest.h>
@@ -43,6 +46,10 @@ const PartSteps RECORDING_PARTS[PART_COUNT] = {
 };
 
 void recordEnd() { g_events.push_back("end"); }
+void recordStartOver() {
+    g_events.push_back("start over");
+    g_partCounter = 0;
+}
 
 class Sequencer : public ::testing::Test {
 protected:
@@ -56,6 +63,8 @@ protected:
     void TearDown() override {
         g_partCounter = 0;
         g_endPath = runEndPath;
+        g_showStartsOver = nullptr;
+        g_endRequested = 0;
     }
 
     // One call of onFrame; returns what it ran.
@@ -122,8 +131,70 @@ TEST_F(Sequencer, EscapeBeforeTheFirstFrameEndsWithoutAnyPart) {
     EXPECT_EQ(frame(), (Events{"end"}));
 }
 
+TEST_F(Sequencer, ALoopingShowStartsOverOnlyWhenItsLastPartEnds) {
+    g_showStartsOver = recordStartOver;
+    g_partCounter = 2 * PART_COUNT - 1;
+    g_partEnds[PART_COUNT] = true;
+    EXPECT_EQ(frame(), (Events{"draw 13", "start over"}));
+    EXPECT_EQ(frame(), (Events{"setup 1", "draw 1"}));
+    // Escape, and an ending signal, end it like any show.
+    onKey(27, 0, 0);
+    EXPECT_EQ(frame(), (Events{"end"}));
+    g_partCounter = 5;
+    g_endRequested = 1;
+    EXPECT_EQ(frame(), (Events{"end"}));
+}
+
 uint32_t g_fakeNow = 0;
 uint32_t fakeClock() { return g_fakeNow; }
+
+// A part that keeps to the schedule: it reads the clock and ends after its end time.
+template <int K>
+void scheduledDraw() {
+    updateMusicClock();
+    g_events.push_back("draw " + std::to_string(K) + " at " + std::to_string(g_demoTime).substr(0, 6) +
+                       (g_framesUnseen ? " unseen" : ""));
+    if (g_demoTime > partEndTime(K)) {
+        g_partCounter += 1;
+    }
+}
+
+const PartSteps SCHEDULED_PARTS_STEPS[PART_COUNT] = {
+    {recordSetup<1>, scheduledDraw<1>},   {recordSetup<2>, scheduledDraw<2>},   {recordSetup<3>, scheduledDraw<3>},
+    {recordSetup<4>, scheduledDraw<4>},   {recordSetup<5>, scheduledDraw<5>},   {recordSetup<6>, scheduledDraw<6>},
+    {recordSetup<7>, scheduledDraw<7>},   {recordSetup<8>, scheduledDraw<8>},   {recordSetup<9>, scheduledDraw<9>},
+    {recordSetup<10>, scheduledDraw<10>}, {recordSetup<11>, scheduledDraw<11>}, {recordSetup<12>, scheduledDraw<12>},
+    {recordSetup<13>, scheduledDraw<13>},
+};
+
+TEST_F(Sequencer, StartingAtAPartRebuildsEveryEarlierPartFromItsLastFrameUnseen) {
+    g_partSteps = SCHEDULED_PARTS_STEPS;
+    g_millisecondClock = fakeClock;
+    g_fakeNow = 100000;
+    // Four frames a second: frame j shows 2.5 j. The last frame of part 1 is
+    // the first above 210 (frame 85), of part 2 the first above 335 (135).
+    startShowAt(3, 4);
+    EXPECT_EQ(g_events, (Events{"setup 1", "draw 1 at 212.50 unseen", "setup 2", "draw 2 at 337.50 unseen"}));
+    EXPECT_EQ(g_partCounter, 4) << "part 3's set-up comes next";
+    EXPECT_FALSE(g_framesUnseen);
+    // Part 3's first frame is the one after part 2's last: frame 136, 340.0.
+    g_fakeNow = 34000;
+    g_events.clear();
+    EXPECT_EQ(frame(), (Events{"setup 3", "draw 3 at 340.00"}));
+    EXPECT_EQ(firstTickOfPart(3, 4), 136);
+    EXPECT_EQ(firstTickOfPart(13, 30), 5777) << "1925.33 is the first frame above 1925 at 30 frames/s";
+    EXPECT_EQ(firstTickOfPart(1, 30), 0);
+
+    // On the wall clock the earlier parts' last frames come a millisecond past
+    // their end times, and the clock starts at the end of the part before.
+    g_events.clear();
+    g_partCounter = 0;
+    startShowAt(2, 0);
+    EXPECT_EQ(g_events, (Events{"setup 1", "draw 1 at 210.00 unseen"}));
+    updateMusicClock();
+    EXPECT_FLOAT_EQ(g_demoTime, 210.0f);
+    g_millisecondClock = monotonicMillis;
+}
 
 TEST(Keys, RPrintsTheDemoTimeAndOtherKeysDoNothing) {
     g_millisecondClock = fakeClock;

@@ -1,6 +1,7 @@
 // The real kaskade program on the test's X display (Xvfb): its window, its
 // keys and mouse, a closed window, the fullscreen fallback, and the audio
 // failures before any window, each seen from outside the process.
+#include "audio/pcm_decoder.h"
 #include "tests/audio/test_sounds.h"
 #include "tests/support/test_x_server.h"
 
@@ -13,6 +14,8 @@
 
 #include <chrono>
 #include <cstdio>
+#include <algorithm>
+#include <cstring>
 #include <fstream>
 #include <memory>
 #include <sstream>
@@ -67,7 +70,8 @@ protected:
     }
 
     // Starts kaskade in the test's folder, on `display` when one is given.
-    void start(const std::vector<std::string>& arguments, const std::string& display = "") {
+    void start(const std::vector<std::string>& arguments, const std::string& display = "",
+               const char* audioDriver = "dummy") {
         pid_ = fork();
         if (pid_ == 0) {
             if (chdir(dir_.c_str()) != 0) {
@@ -75,7 +79,7 @@ protected:
             }
             freopen("out.txt", "w", stdout);
             freopen("err.txt", "w", stderr);
-            setenv("SDL_AUDIODRIVER", "dummy", 1);
+            setenv("SDL_AUDIODRIVER", audioDriver, 1);
             if (!display.empty()) {
                 setenv("DISPLAY", display.c_str(), 1);
             }
@@ -292,6 +296,98 @@ TEST_F(ScreenGiveBack, ACrashOrAKillLeavesItToTheGuard) {
     result = finish();
     EXPECT_EQ(result.signal, SIGKILL);
     EXPECT_TRUE(sizeBecomes(ORIGINAL, 2000)) << server_->currentSize();
+}
+
+// Frames the verbose log says part `part` drew, or -1.
+long framesOfPart(const std::string& log, int part) {
+    const std::string line = "part " + std::to_string(part) + " ended at demo time ";
+    const size_t at = log.find(line);
+    long frames = -1;
+    if (at != std::string::npos) {
+        std::sscanf(log.c_str() + at + line.size(), "%*f: %ld frames", &frames);
+    }
+    return frames;
+}
+
+TEST_F(ShowProcess, StartingAtTheLastPartPlaysItFromItsPlaceInTheShow) {
+    // 192.5 s to 226.9 s at 30 frames/s; its first frame is the one after 1925.
+    start({"--part", "13", "--fps", "30", "--nosound", "--verbose"});
+    ShowResult result = finish(120);
+    EXPECT_EQ(result.status, 0);
+    EXPECT_TRUE(endsWithFrameRateLine(result.out)) << result.out;
+    EXPECT_NEAR(framesOfPart(result.err, 13), 1032, 1) << result.err;
+    EXPECT_NE(result.err.find("part 13 set up at demo time 1925.670"), std::string::npos) << result.err;
+
+    // Live, the music starts 192.5 s into the song: what the audio device got
+    // (SDL's disk driver writes it out) is the decoded song from there on.
+    std::remove((dir_ + "/harbour.mp3").c_str());
+    ASSERT_EQ(symlink((std::string(KASKADE_SHOW_DIR) + "/harbour.mp3").c_str(), (dir_ + "/harbour.mp3").c_str()), 0);
+    setenv("SDL_DISKAUDIOFILE", (dir_ + "/heard.raw").c_str(), 1);
+    start({"--part", "13"}, "", "disk");
+    unsetenv("SDL_DISKAUDIOFILE");
+    ASSERT_FALSE(window().empty());
+    std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+    kill(pid_, SIGINT);
+    result = finish();
+    EXPECT_EQ(result.status, 130);
+
+    const std::string bytes = readFile(dir_ + "/heard.raw");
+    std::vector<int16_t> heard(bytes.size() / 2);
+    std::memcpy(heard.data(), bytes.data(), heard.size() * 2);
+    DecodedAudio song;
+    std::string error;
+    ASSERT_TRUE(decodeSoundtrack(dir_ + "/harbour.mp3", &song, &error)) << error;
+    // Until the music starts the device plays silence, in whole buffers of 1,024 frames.
+    size_t first = 0;
+    while (first < heard.size() && heard[first] == 0) {
+        ++first;
+    }
+    first = first / 2048 * 2048;
+    const size_t compared = 2 * 4410;  // 0.1 s
+    ASSERT_GE(heard.size(), first + compared) << "no music was heard";
+    const size_t at = static_cast<size_t>(192.5 * 44100) * 2;
+    EXPECT_TRUE(std::equal(heard.begin() + static_cast<long>(first), heard.begin() + static_cast<long>(first + compared),
+                           song.samples.begin() + static_cast<long>(at)))
+        << "the music did not start 192.5 s into the song";
+}
+
+long residentKiB(pid_t pid) {
+    std::ifstream status("/proc/" + std::to_string(pid) + "/status");
+    std::string word;
+    long kib = 0;
+    while (status >> word) {
+        if (word == "VmRSS:") {
+            status >> kib;
+        }
+    }
+    return kib;
+}
+
+TEST_F(ShowProcess, ALoopingShowGoesFromTheLastPartBackToTheFirstUntilEnded) {
+    // A first pass of part 13 alone, then whole passes.
+    start({"--loop", "--part", "13", "--fps", "10", "--nosound", "--verbose"});
+    long resident[2] = {};
+    for (int pass = 2; pass <= 3; ++pass) {
+        const std::string line = "the show starts over: pass " + std::to_string(pass);
+        for (int waited = 0; waited < 120000 && readFile(dir_ + "/err.txt").find(line) == std::string::npos;
+             waited += 50) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        }
+        resident[pass - 2] = residentKiB(pid_);
+    }
+    kill(pid_, SIGINT);
+    const ShowResult result = finish();
+    EXPECT_EQ(result.status, 130);
+    EXPECT_TRUE(endsWithFrameRateLine(result.out)) << result.out;
+
+    size_t at = 0;
+    for (const char* line : {"part 13 ended", "the show starts over: pass 2", "part 1 set up", "part 7 set up",
+                             "part 13 ended", "the show starts over: pass 3", "part 1 set up"}) {
+        at = result.err.find(line, at);
+        ASSERT_NE(at, std::string::npos) << "no '" << line << "' where expected in:\n" << result.err;
+    }
+    EXPECT_GT(resident[0], 0);
+    EXPECT_LE(resident[1], resident[0] * 105 / 100) << resident[0] << " KiB after the first pass";
 }
 
 TEST_F(ShowProcess, NoSoundRunsWithoutASoundtrack) {

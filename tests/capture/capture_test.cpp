@@ -142,9 +142,42 @@ TEST_F(Capture, TheWholeShowAsAVideoWithItsSoundtrackAndOneSetUpPerPart) {
     EXPECT_EQ(nextPart, 14);
 }
 
+// Starts kaskade in the show's content directory with `arguments`, its output
+// thrown away; returns its process id.
+pid_t startShow(const std::vector<std::string>& arguments) {
+    const pid_t pid = fork();
+    if (pid == 0) {
+        std::vector<char*> argv{const_cast<char*>(KASKADE_PROGRAM)};
+        for (const std::string& argument : arguments) {
+            argv.push_back(const_cast<char*>(argument.c_str()));
+        }
+        argv.push_back(nullptr);
+        if (chdir(KASKADE_SHOW_DIR) == 0 && freopen("/dev/null", "w", stdout) && freopen("/dev/null", "w", stderr)) {
+            execv(KASKADE_PROGRAM, argv.data());
+        }
+        _exit(126);
+    }
+    return pid;
+}
+
+// The exit status, or -1 when a signal ended the process.
+int waitForShow(pid_t pid) {
+    int status = 0;
+    waitpid(pid, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+std::string frameName(int frame) {
+    char name[32];
+    std::snprintf(name, sizeof name, "/frame_%05d.png", frame);
+    return name;
+}
+
 // What the show draws, kept: the middle frame of every part at 4 frames/s,
-// against references renewed by scripts/update-reference-frames after review.
-TEST_F(Capture, EveryPartStillDrawsItsReferenceFrame) {
+// against references renewed by scripts/update-reference-frames after review,
+// in the whole show and in a show started at that part with --part, whose
+// first frame is the whole show's first frame of the part.
+TEST_F(Capture, EveryPartDrawsItsReferenceFramePlayedToOrStartedAt) {
 #ifdef KASKADE_SANITIZED
     GTEST_SKIP() << "the sanitizers change no pixel; the normal build compares them";
 #endif
@@ -153,15 +186,14 @@ TEST_F(Capture, EveryPartStillDrawsItsReferenceFrame) {
     for (int part = 1; part <= 13; ++part) {
         SCOPED_TRACE("part " + std::to_string(part));
         const float start = part == 1 ? 0.0f : PART_END_TIMES[part - 2];
-        const int frame = static_cast<int>(start + PART_END_TIMES[part - 1]) * FPS / 20;
-        char names[2][64];
-        std::snprintf(names[0], sizeof names[0], "frames/part%02d.png", part);
-        std::snprintf(names[1], sizeof names[1], "/frames/frame_%05d.png", frame);
+        const int middle = static_cast<int>(start + PART_END_TIMES[part - 1]) * FPS / 20;
+        char name[64];
+        std::snprintf(name, sizeof name, "frames/part%02d.png", part);
         PngImage reference;
         PngImage captured;
         std::string error;
-        ASSERT_TRUE(readPng(testDataPath(names[0]), &reference, &error)) << error;
-        ASSERT_TRUE(readPng(dir_ + names[1], &captured, &error)) << error;
+        ASSERT_TRUE(readPng(testDataPath(name), &reference, &error)) << error;
+        ASSERT_TRUE(readPng(dir_ + "/frames" + frameName(middle), &captured, &error)) << error;
         ASSERT_EQ(captured.pixels.size(), reference.pixels.size());
         // A few pixels may move by a rounding step; a changed scene moves thousands.
         size_t differing = 0;
@@ -169,6 +201,25 @@ TEST_F(Capture, EveryPartStillDrawsItsReferenceFrame) {
             differing += std::abs(captured.pixels[i] - reference.pixels[i]) > 16 ? 1 : 0;
         }
         EXPECT_LE(differing, captured.pixels.size() / 1000);
+        if (part == 1) {
+            continue;
+        }
+
+        // Frame j shows 2.5 j: part - 1's last frame is the first above its end time.
+        const int first = static_cast<int>(start / 2.5f) + 2;
+        const std::string started = dir_ + "/part" + std::to_string(part);
+        const pid_t pid = startShow({"--part", std::to_string(part), "--fps", "4", "--capture", started});
+        // Once the frame after the middle one is there, the middle one is complete.
+        const std::string after = started + frameName(middle - first + 1);
+        for (int waited = 0; waited < 60000 && access(after.c_str(), F_OK) != 0; waited += 20) {
+            usleep(20000);
+        }
+        kill(pid, SIGINT);
+        EXPECT_EQ(waitForShow(pid), 130);
+        EXPECT_EQ(readFile(started + frameName(0)), readFile(dir_ + "/frames" + frameName(first)))
+            << "first frame, frame " << first << " of the whole show";
+        EXPECT_EQ(readFile(started + frameName(middle - first)), readFile(dir_ + "/frames" + frameName(middle)))
+            << "middle frame";
     }
 }
 
@@ -194,19 +245,10 @@ std::map<std::string, double> probeVideo(const std::string& video) {
 
 TEST_F(Capture, CtrlCEndsAVideoCaptureWithAPlayableVideoOfTheFramesCaptured) {
     const std::string video = dir_ + "/cut.mp4";
-    const pid_t pid = fork();
-    if (pid == 0) {
-        if (chdir(KASKADE_SHOW_DIR) == 0 && freopen("/dev/null", "w", stdout) && freopen("/dev/null", "w", stderr)) {
-            execl(KASKADE_PROGRAM, KASKADE_PROGRAM, "--capture", video.c_str(), static_cast<char*>(nullptr));
-        }
-        _exit(126);
-    }
+    const pid_t pid = startShow({"--capture", video});
     sleep(4);
     kill(pid, SIGINT);
-    int status = 0;
-    waitpid(pid, &status, 0);
-    ASSERT_TRUE(WIFEXITED(status));
-    EXPECT_EQ(WEXITSTATUS(status), 130);
+    EXPECT_EQ(waitForShow(pid), 130);
 
     const std::map<std::string, double> probe = probeVideo(video);
     ASSERT_EQ(probe.count("video frames"), 1u) << "no video stream";

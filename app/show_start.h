@@ -1,0 +1,31 @@
+// Starting the show at a later part, and starting it over.
+//
+// A show that starts at part N is the full show as it would stand at part N's
+// set-up: what parts 1 to N - 1 leave behind (their scenes and images, the GL
+// state, part 4's room for part 12, the part-local clock) is rebuilt by running
+// their set-ups and, unseen, the last draw step of each, at the demo time that
+// frame has in a full show. The demo clock and the music start at part N's
+// place in the show.
+#pragma once
+
+#include <cstdint>
+
+// Rebuilds parts 1..part-1 and starts the music and the clock for `part`
+// (1..13). `fixedStepFps`: the fixed-step clock's rate (its frame 0 becomes
+// part's first frame, at the clock reading and levels that frame has in the
+// full show), or 0 for the wall clock (the clock and the music start at the
+// end time of part - 1; earlier parts' last frames are taken a millisecond
+// past their end times). Part 1 is the ordinary start.
+void startShowAt(int32_t part, int fixedStepFps);
+
+// The tick (counted at `rate` per second from 0) of part `part`'s first frame
+// in a full show whose frames come at those ticks; 0 for part 1. The last
+// frame of each earlier part is the first tick whose demo time is above its
+// end time, and the next part starts one tick later.
+long firstTickOfPart(int32_t part, int rate);
+
+// The show begins again at part 1, as at its first start: music and demo
+// clock from 0, the part-local clock at 0; the set-ups then find their scenes
+// and images loaded and put them back as loaded. The GL state is the
+// platform's to reset.
+void startShowAgain();

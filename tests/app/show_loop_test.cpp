@@ -1,0 +1,97 @@
+// A looping show seen from inside the process, on the fixed-step clock with
+// the show's own content: every frame of the second pass is the frame the
+// first pass drew, and the second pass takes no more memory than the first.
+#include "app/desktop/show_loop.h"
+#include "app/sequencer.h"
+#include "app/shell.h"
+#include "app/show_start.h"
+#include "audio/fixed_step_clock.h"
+#include "parts/part_state.h"
+#include "tests/resources/gl_test_window.h"
+
+#include <GL/freeglut.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <fstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr int PASSES = 2;
+int g_pass = 0;
+std::vector<uint64_t> g_frames[PASSES + 1];  // a hash of every frame, by pass
+long g_residentKiB[PASSES + 1] = {};
+void (*g_startOver)() = nullptr;              // the desktop's own
+
+long residentKiB() {
+    std::ifstream status("/proc/self/status");
+    std::string word;
+    long kib = 0;
+    while (status >> word) {
+        if (word == "VmRSS:") {
+            status >> kib;
+        }
+    }
+    return kib;
+}
+
+void passEnds() {
+    g_residentKiB[g_pass] = residentKiB();
+    ++g_pass;
+    g_startOver();
+}
+
+uint64_t hashOf(const std::vector<uint8_t>& bytes) {
+    uint64_t hash = 14695981039346656037ull;  // FNV-1a
+    for (uint8_t byte : bytes) {
+        hash = (hash ^ byte) * 1099511628211ull;
+    }
+    return hash;
+}
+
+}  // namespace
+
+// Linked with -Wl,--wrap=glutSwapBuffers: each frame is read back before it is shown.
+extern "C" void __real_glutSwapBuffers();
+extern "C" void __wrap_glutSwapBuffers() {
+    std::vector<uint8_t> pixels(640 * 480 * 4);
+    glPixelStorei(GL_PACK_ALIGNMENT, 1);
+    glReadBuffer(GL_BACK);
+    glReadPixels(0, 0, 640, 480, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+    g_frames[g_pass].push_back(hashOf(pixels));
+    __real_glutSwapBuffers();
+}
+
+TEST(ShowLoop, TheSecondPassDrawsTheFirstPassesFramesWithoutGrowing) {
+    if (!openGlTestWindow()) {
+        GTEST_SKIP() << "no display: run under xvfb-run";
+    }
+    if (chdir(KASKADE_SHOW_DIR) != 0 || access("3d", R_OK) != 0) {
+        GTEST_SKIP() << "the show's content is not built in " << KASKADE_SHOW_DIR;
+    }
+    initGlState();
+    std::string error;
+    ASSERT_TRUE(startFixedStepClock(4, "harbour.mp3", &error)) << error;
+    loopTheShow();
+    g_startOver = g_showStartsOver;
+    g_showStartsOver = passEnds;
+    startShowAt(1, 4);
+    const World* firstScene = nullptr;
+    while (g_pass < PASSES) {
+        onFrame();
+        if (firstScene == nullptr) {
+            firstScene = g_testWorld;
+        }
+    }
+    ASSERT_GT(g_frames[0].size(), 900u);
+    ASSERT_EQ(g_frames[1].size(), g_frames[0].size());
+    for (size_t i = 0; i < g_frames[0].size(); ++i) {
+        ASSERT_EQ(g_frames[1][i], g_frames[0][i]) << "frame " << i << " of the second pass";
+    }
+    EXPECT_EQ(g_testWorld, firstScene) << "the scenes are not loaded again";
+    EXPECT_LE(g_residentKiB[1], g_residentKiB[0] * 105 / 100)
+        << g_residentKiB[0] << " KiB after the first pass, " << g_residentKiB[1] << " after the second";
+}
