@@ -24,6 +24,7 @@ std::string number(double value) {
     return text;
 }
 
+// "(a,b,...)"
 std::string list(std::initializer_list<double> values) {
     std::string text;
     for (double value : values) {
@@ -46,30 +47,23 @@ std::string fog() {
     return (mode == GL_EXP ? "fog exp " : "fog (not exp) ") + list({c[0], c[1], c[2], c[3]}) + " " + number(density);
 }
 
-std::string mode(uint32_t value) {
-    const std::map<uint32_t, const char*> names = {
-        {MODE_FLAT, "MODE_FLAT"},       {MODE_SMOOTH, "MODE_SMOOTH"},   {MODE_SPHERE_MAP, "MODE_SPHERE_MAP"},
-        {MODE_WIRE, "MODE_WIRE"},       {MODE_WIRE_LIT, "MODE_WIRE_LIT"}, {MODE_TEXTURE, "MODE_TEXTURE"},
-        {MODE_TEXTURE_FLAT, "MODE_TEXTURE_FLAT"}, {MODE_TEXTURE_SMOOTH, "MODE_TEXTURE_SMOOTH"}};
-    const auto name = names.find(value);
-    return name != names.end() ? name->second : "mode " + std::to_string(value);
-}
-
-std::string flags(uint32_t value) {
-    const std::pair<uint32_t, const char*> names[] = {{MAT_OPAQUE, "MAT_OPAQUE"}, {MAT_ADD, "MAT_ADD"},
-                                                      {MAT_DARKEN, "MAT_DARKEN"}, {MAT_ALPHA, "MAT_ALPHA"},
-                                                      {MAT_LINEAR, "MAT_LINEAR"}, {MAT_NO_DEPTH, "MAT_NO_DEPTH"}};
-    std::string text;
-    for (const auto& [bit, name] : names) {
-        text += value & bit ? (text.empty() ? "" : "|") + std::string(name) : "";
-    }
-    return text.empty() ? "no flags" : text;
-}
+const std::map<uint32_t, const char*> MODES = {
+    {MODE_FLAT, "MODE_FLAT"}, {MODE_SMOOTH, "MODE_SMOOTH"}, {MODE_SPHERE_MAP, "MODE_SPHERE_MAP"},
+    {MODE_WIRE, "MODE_WIRE"}, {MODE_WIRE_LIT, "MODE_WIRE_LIT"}, {MODE_TEXTURE, "MODE_TEXTURE"},
+    {MODE_TEXTURE_FLAT, "MODE_TEXTURE_FLAT"}, {MODE_TEXTURE_SMOOTH, "MODE_TEXTURE_SMOOTH"}};
+const std::map<uint32_t, const char*> FLAGS = {{MAT_OPAQUE, "MAT_OPAQUE"}, {MAT_ADD, "MAT_ADD"},
+                                               {MAT_DARKEN, "MAT_DARKEN"}, {MAT_ALPHA, "MAT_ALPHA"},
+                                               {MAT_LINEAR, "MAT_LINEAR"}, {MAT_NO_DEPTH, "MAT_NO_DEPTH"}};
 
 void writeMesh(const MeshObject& mesh, const Material& material) {
     char colour[16];
-    std::snprintf(colour, sizeof colour, "0x%08X", material.diffuse);
-    std::string line = "mesh " + mode(material.mode) + " " + colour + " " + flags(material.flags);
+    std::snprintf(colour, sizeof colour, " 0x%08X ", material.diffuse);
+    std::string line = std::string("mesh ") +
+                       (MODES.contains(material.mode) ? MODES.at(material.mode) : "(another mode)") + colour;
+    for (const auto& [bit, name] : FLAGS) {
+        line += material.flags & bit ? std::string(name) + "|" : "";
+    }
+    line.pop_back();  // the last '|', or the space before no flags
     const std::string scale = vector3(mesh.scale), rotation = vector3(mesh.rotation), move = vector3(mesh.translation);
     line += scale != "(1,1,1)" ? " scale " + scale : "";
     line += rotation != "(0,0,0)" ? " rot " + rotation : "";

@@ -1,8 +1,7 @@
-// The rules of part 1's beat reveal and latches, part 7's loudness bands and
-// part 6's sprite depths.
+// The rules of part 1's beat reveal, part 7's loudness bands and part 6's
+// sprite depths (part 1's latches are tested through its draw step).
 #include "parts/beat_reveal.h"
 #include "parts/loudness_bands.h"
-#include "parts/opening_latches.h"
 #include "parts/sprite_stream.h"
 
 #include "engine/world.h"
@@ -67,30 +66,6 @@ TEST(BeatReveal, LastMeshHiddenBySomeoneElseComesBackOnTheNextBeatWithItsOtherFl
     reveal.frames({0, 60});
     EXPECT_EQ(reveal.index, 5);
     EXPECT_EQ(reveal.world.meshes[5]->flags, 0x80 | MESH_VISIBLE);
-}
-
-TEST(OpeningLatches, LogoSlideAndRiseLatchTheFirstFrameAfterTheirTimesOnce) {
-    // demo time, then the offset or height and the latch after that frame
-    const float slides[][3] = {{100.0f, 0.0f, 0.0f},     {145.0f, 0.0f, 0.0f},      {145.25f, 0.0f, 145.25f},
-                               {146.25f, 4.0f, 145.25f}, {170.25f, 100.0f, 145.25f}};  // four per tenth
-    float slideStart = 0.0f;
-    for (const auto& [time, offset, start] : slides) {
-        EXPECT_EQ(logoSlideOffset(time, &slideStart), offset) << time;
-        EXPECT_EQ(slideStart, start) << time;
-    }
-
-    float riseStart = 0.0f;
-    float height = -1.0f;
-    EXPECT_FALSE(riseHeight(190.0f, &riseStart, &height));
-    EXPECT_EQ(riseStart, 0.0f);
-    EXPECT_EQ(height, -1.0f);
-    // 0.78 units truncate to 0; 3.125 to 3; 500 per second
-    const float rises[][2] = {{190.5f, 0.0f}, {190.515625f, 0.0f}, {190.5625f, 3.0f}, {200.5f, 500.0f}};
-    for (const auto& [time, expected] : rises) {
-        ASSERT_TRUE(riseHeight(time, &riseStart, &height)) << time;
-        EXPECT_EQ(height, expected) << time;
-        EXPECT_EQ(riseStart, 190.5f) << time;
-    }
 }
 
 TEST(LoudnessBands, ALevelSelectsTheMeshWhoseBandHoldsItBoundsAndBeyondTheLastSelectNothing) {

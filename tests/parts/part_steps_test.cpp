@@ -191,6 +191,7 @@ struct PartFrame {
     std::vector<Frame> frames;
     std::string expected;
 };
+void PrintTo(const PartFrame& row, std::ostream* out) { *out << row.name; }
 
 const std::string STACKED = R"(overlay darken ooo (170,190)-(470,290) -110
 overlay add ooo (170,290)-(470,390) -100
@@ -364,7 +365,7 @@ INSTANTIATE_TEST_SUITE_P(Parts, DrawStep, ::testing::ValuesIn(FRAMES),
 
 TEST_F(PartSteps, OpeningLogoSlidesRightAfter145AndTheTurningMeshesRiseAfter190FromTheNextFrame) {
     g_partCounter = 1;
-    // The slide latched at 145.5: 4 units per tenth, 18 at 150.
+    // The slide latched at 145.5 (not at 145): 4 units per tenth, 18 at 150.
     const struct { double time; const char* overlay; } slides[] = {
         {145.0, "overlay add mark12 (170,190)-(470,290) -100\n"},
         {145.5, "overlay add mark12 (170,190)-(470,290) -100\n"},
@@ -372,11 +373,12 @@ TEST_F(PartSteps, OpeningLogoSlidesRightAfter145AndTheTurningMeshesRiseAfter190F
     for (const auto& [time, overlay] : slides) {
         EXPECT_EQ(linesOf(frameAt(drawPart1, time), "overlay"), overlay) << time;
     }
-    for (double time : {190.0, 190.5, 191.0}) {
+    // The rise latched at 190.51 (not at 190), in whole units from the frame after:
+    // trunc(0.01 * 50) = 0 at 190.52, trunc(0.49 * 50) = 24 at 191, drawn at 192.
+    for (double time : {190.0, 190.51, 190.52, 191.0}) {
         EXPECT_EQ(linesOf(frameAt(drawPart1, time), "mesh").find("move"), std::string::npos) << time;
     }
-    // The rise latched at 190.5 is trunc(0.5 * 50) = 25 at 191, drawn from the frame after.
-    const std::string risen = "mesh MODE_FLAT 0xFF00FF00 MAT_OPAQUE rot (0,192,0) move (0,25,0)\n";
+    const std::string risen = "mesh MODE_FLAT 0xFF00FF00 MAT_OPAQUE rot (0,192,0) move (0,24,0)\n";
     EXPECT_EQ(linesOf(frameAt(drawPart1, 192.0), "mesh"), risen + risen + risen);
 }
 
