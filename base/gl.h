@@ -4,5 +4,9 @@
 // 1.1 subset in their place.
 #pragma once
 
+#ifdef __EMSCRIPTEN__
+#include "gl11/gl11.h"
+#else
 #include <GL/gl.h>
 #include <GL/glu.h>
+#endif
