@@ -1,0 +1,159 @@
+// The audio layer in the browser: one channel, the soundtrack the page decoded
+// with Web Audio (browser_soundtrack.h), played by the page through an
+// AudioBufferSourceNode of its AudioContext. Tracker modules are not played
+// here: a soundtrack the browser cannot decode opens no channel.
+//
+// The demo clock follows the AudioContext: from the first play on,
+// g_millisecondClock reads the context's time in milliseconds. The channel's
+// position is worked out from that time, so its level is the 20 ms peak of
+// the decoded samples there (songLevelAt), and its end needs no callback from
+// the audio thread: the clock moves g_musicStartTick on by exactly one song
+// length each time the song starts again, as the fixed-step clock does. The
+// end sync is kept for the contract and never called.
+#include "audio/audio_output.h"
+
+#include "audio/browser_soundtrack.h"
+#include "audio/clock.h"
+#include "audio/level_meter.h"
+#include "audio/music.h"
+
+#include <emscripten/emscripten.h>
+
+#include <cmath>
+
+namespace {
+
+constexpr AudioHandle SONG_CHANNEL = 1;
+
+struct SongChannel {
+    const DecodedAudio* song = nullptr;
+    AudioSyncProc sync = nullptr;
+    bool playing = false;
+    bool loop = false;
+    uint32_t lengthMillis = 0;
+    uint32_t startedAt = 0;     // context milliseconds at which it played from `startOffset`
+    uint32_t startOffset = 0;   // milliseconds into the song
+};
+
+bool g_initialised = false;
+SongChannel g_channel;
+
+// clang-format off
+EM_JS(double, pageAudioMillis, (), { return Module.kaskadeAudio.millis(); });
+EM_JS(void, pageAudioPlay, (int loop, double offsetSeconds), { Module.kaskadeAudio.play(loop !== 0, offsetSeconds); });
+EM_JS(void, pageAudioStop, (), { Module.kaskadeAudio.stop(); });
+// clang-format on
+
+SongChannel* channelFor(AudioHandle handle) {
+    return g_initialised && handle == SONG_CHANNEL && g_channel.song != nullptr ? &g_channel : nullptr;
+}
+
+uint32_t contextMillis() { return static_cast<uint32_t>(static_cast<uint64_t>(std::llround(pageAudioMillis()))); }
+
+// The context's time; the song starting again moves the demo clock's zero on by its length.
+uint32_t songClock() {
+    const uint32_t now = contextMillis();
+    if (g_channel.playing && g_channel.loop && g_channel.lengthMillis > 0) {
+        while (static_cast<int32_t>(now - g_musicStartTick.load()) >= static_cast<int32_t>(g_channel.lengthMillis)) {
+            g_musicStartTick.store(g_musicStartTick.load() + g_channel.lengthMillis);
+        }
+    }
+    return now;
+}
+
+void play(uint32_t offsetMillis) {
+    pageAudioPlay(g_channel.loop ? 1 : 0, offsetMillis / 1000.0);
+    g_channel.startedAt = contextMillis();
+    g_channel.startOffset = offsetMillis;
+    g_channel.playing = true;
+}
+
+}  // namespace
+
+bool audioInit(int) {
+    g_initialised = true;
+    return true;
+}
+
+void audioInitWithoutDevice() { g_initialised = true; }
+
+AudioHandle audioStreamCreateFile(const char* path) {
+    const DecodedAudio* song = g_initialised ? browserSoundtrack(path) : nullptr;
+    if (song == nullptr || song->frames() == 0) {
+        return 0;
+    }
+    g_channel = SongChannel{};
+    g_channel.song = song;
+    g_channel.lengthMillis =
+        static_cast<uint32_t>((static_cast<uint64_t>(song->frames()) * 1000 + OUTPUT_RATE / 2) / OUTPUT_RATE);
+    return SONG_CHANNEL;
+}
+
+AudioHandle audioMusicLoad(const char*) { return 0; }
+
+void audioChannelSetSync(AudioHandle handle, AudioSyncProc proc) {
+    if (SongChannel* channel = channelFor(handle)) {
+        channel->sync = proc;
+    }
+}
+
+void audioStart() {}
+
+void audioChannelPlay(AudioHandle handle, bool loop) {
+    SongChannel* channel = channelFor(handle);
+    if (channel == nullptr) {
+        return;
+    }
+    channel->loop = loop;
+    play(channel->startOffset);
+    g_millisecondClock = songClock;
+}
+
+uint32_t audioChannelGetLength(AudioHandle handle) {
+    const SongChannel* channel = channelFor(handle);
+    return channel != nullptr ? channel->lengthMillis : 0;
+}
+
+void audioChannelSetPosition(AudioHandle handle, uint32_t millis) {
+    SongChannel* channel = channelFor(handle);
+    if (channel == nullptr) {
+        return;
+    }
+    const uint32_t offset = channel->lengthMillis > 0 ? millis % channel->lengthMillis : 0;
+    if (channel->playing) {
+        play(offset);
+    } else {
+        channel->startOffset = offset;
+    }
+}
+
+uint32_t audioChannelGetLevel(AudioHandle handle) {
+    const SongChannel* channel = channelFor(handle);
+    if (channel == nullptr) {
+        return 0xFFFFFFFFu;
+    }
+    if (!channel->playing) {
+        return 0;
+    }
+    const uint32_t position = channel->startOffset + (contextMillis() - channel->startedAt);
+    if (!channel->loop && position >= channel->lengthMillis) {
+        return 0;
+    }
+    // Unwrapped: the window just after the start of a loop reaches back into the song's end.
+    return songLevelAt(*channel->song, static_cast<int32_t>(position));
+}
+
+void audioFree() {
+    if (g_channel.playing) {
+        pageAudioStop();
+    }
+    g_channel = SongChannel{};
+    g_initialised = false;
+}
+
+// The page's AudioContext mixes; nothing here is driven by the caller.
+void audioMix(int16_t* out, size_t frames) {
+    for (size_t i = 0; i < frames * 2; ++i) {
+        out[i] = 0;
+    }
+}
