@@ -1,0 +1,334 @@
+// The page around the show: it fetches the archive "3d" and the soundtrack,
+// decodes the soundtrack with Web Audio, starts the show on a gesture (the
+// browser allows sound only after one), passes keys and mouse presses on,
+// plays the soundtrack whose AudioContext is the show's clock, and says on the
+// page how the show ended.
+//
+// URL parameters, for tests and frame-exact looks (the deterministic mode):
+//   part=N     starts at part N (1..13), with what the parts before leave behind
+//   fps=N      the fixed-step clock at N frames/s (1..240): silent, the
+//              soundtrack decoded for its levels only, started at once
+//   grab=a,b   frames (the whole show's, counted from 0) read back into
+//              window.kaskade.frames
+//   stop=a,b   frames after which the show pauses; window.kaskade.resume() goes on
+//   fault=F    a deliberate drawing mistake, to see what the frame comparison
+//              makes of it: fov, ambient, colour-material, flat-vertex
+'use strict';
+
+(function () {
+  const ARCHIVE = '3d';
+  const SOUNDTRACK = 'harbour.mp3';
+  const SAMPLE_RATE = 44100;  // the show's levels are measured at this rate
+  const MAX_FIXED_FPS = 240;
+  const MAX_SOUNDTRACK_FRAMES = SAMPLE_RATE * 60 * 10;  // as the show accepts
+  const FAULTS = ['', 'fov', 'ambient', 'colour-material', 'flat-vertex'];  // Gl11Fault's order
+
+  const params = new URLSearchParams(location.search);
+  const frameList = (name) => (params.get(name) || '').split(',').filter((s) => /^\d+$/.test(s)).map(Number);
+  const fpsParameter = Number(params.get('fps') || 0);
+  const fixedFps = Number.isInteger(fpsParameter) && fpsParameter >= 1 && fpsParameter <= MAX_FIXED_FPS
+    ? fpsParameter : 0;
+  const partParameter = Number(params.get('part') || 1);
+  const firstPart = Number.isInteger(partParameter) && partParameter >= 1 && partParameter <= 13 ? partParameter : 1;
+
+  const byId = (id) => document.getElementById(id);
+  const canvas = byId('canvas');
+  const stage = byId('stage');
+  const cover = byId('cover');
+  const startButton = byId('start');
+  const statusLine = byId('status');
+
+  // What the page knows, for tests and the curious: window.kaskade.
+  const kaskade = {
+    state: 'loading',  // loading, ready, playing, paused, ended, failed
+    soundtrack: '',    // 'decoded', or why not
+    frames: {},        // grabbed frames by index: {width, height, rgba (rows bottom up)}
+    pausedAt: -1,
+    endLine: '',
+    messages: [],      // what the show wrote to standard error
+    resume() {
+      if (kaskade.state === 'paused') {
+        kaskade.state = 'playing';
+        Module._kaskade_resume();
+      }
+    },
+    // Per part (1..13): frames, glBegin calls, WebGL draw calls, vertices, ms
+    // from its first to its last frame, vertex bytes sent to WebGL.
+    partCounts() {
+      const parts = [];
+      for (let part = 1; part <= 13; ++part) {
+        const field = (i) => Module._kaskade_part_count(part, i);
+        parts.push({ part, frames: field(0), primitives: field(1), drawCalls: field(2), vertices: field(3),
+                     millis: field(4), streamedBytes: field(5) });
+      }
+      return parts;
+    },
+  };
+  window.kaskade = kaskade;
+
+  function say(text) {
+    statusLine.textContent = text;
+  }
+
+  function fail(text) {
+    kaskade.state = 'failed';
+    cover.classList.add('hidden');
+    say(text);
+  }
+
+  // The soundtrack's player; its context's time is the show's clock.
+  const audio = {
+    context: null,
+    buffer: null,
+    source: null,
+    last: 0,
+    // The context's time in ms: what the output plays now, smoothed between
+    // the context's steps with the page's clock, and never going back.
+    millis() {
+      const context = audio.context;
+      let now = context.currentTime * 1000;
+      const stamp = context.getOutputTimestamp ? context.getOutputTimestamp() : null;
+      if (stamp && stamp.performanceTime > 0 && stamp.contextTime > 0) {
+        now = stamp.contextTime * 1000 + (performance.now() - stamp.performanceTime);
+      }
+      audio.last = Math.max(audio.last, now);
+      return audio.last;
+    },
+    play(loop, offsetSeconds) {
+      audio.stop();
+      const source = audio.context.createBufferSource();
+      source.buffer = audio.buffer;
+      source.loop = loop;
+      source.connect(audio.context.destination);
+      source.start(0, offsetSeconds);
+      audio.source = source;
+    },
+    stop() {
+      if (audio.source) {
+        audio.source.stop();
+        audio.source.disconnect();
+        audio.source = null;
+      }
+    },
+  };
+
+  const page = {
+    frameGrabbed(index, rgba, width, height) {
+      kaskade.frames[index] = { width, height, rgba };
+    },
+    paused(index) {
+      kaskade.state = 'paused';
+      kaskade.pausedAt = index;
+    },
+    ended(line) {
+      kaskade.state = 'ended';
+      kaskade.endLine = line;
+      say(line);
+      if (document.fullscreenElement) {
+        document.exitFullscreen();
+      }
+    },
+    failed() {
+      fail(kaskade.messages.join('\n') || 'The show stopped.');
+    },
+  };
+
+  const Module = {
+    canvas,
+    print(text) {
+      console.log(text);
+    },
+    printErr(text) {
+      kaskade.messages.push(text);
+      console.error(text);
+    },
+    onAbort(what) {
+      fail('The show could not run: ' + what);
+    },
+    onRuntimeInitialized() {
+      runtimeReady = true;
+      whenLoaded();
+    },
+    kaskadeAudio: audio,
+    kaskadePage: page,
+  };
+  window.Module = Module;
+
+  let runtimeReady = false;
+  let archive = null;      // bytes of "3d"
+  let decoded = false;     // the soundtrack was handed to the show
+  let contentLoaded = false;
+
+  async function fetchBytes(name) {
+    const response = await fetch(name);
+    if (!response.ok) {
+      throw new Error(`HTTP ${response.status}`);
+    }
+    return new Uint8Array(await response.arrayBuffer());
+  }
+
+  // Decoded at 44,100 Hz whatever the output's rate, so that the levels are those of the desktop.
+  async function decodeSoundtrack(bytes) {
+    const decoder = new OfflineAudioContext({ numberOfChannels: 2, length: 1, sampleRate: SAMPLE_RATE });
+    return decoder.decodeAudioData(bytes.buffer);
+  }
+
+  async function loadContent() {
+    const [archiveResult, songResult] = await Promise.allSettled([fetchBytes(ARCHIVE), fetchBytes(SOUNDTRACK)]);
+    if (archiveResult.status === 'rejected') {
+      fail(`The archive "${ARCHIVE}" could not be loaded (${archiveResult.reason.message}): ` +
+           'the show needs it beside this page.');
+      return;
+    }
+    archive = archiveResult.value;
+    if (songResult.status === 'rejected') {
+      kaskade.soundtrack = `${SOUNDTRACK} could not be loaded (${songResult.reason.message})`;
+    } else {
+      try {
+        audio.buffer = await decodeSoundtrack(songResult.value);
+        kaskade.soundtrack = audio.buffer.length > MAX_SOUNDTRACK_FRAMES
+          ? `${SOUNDTRACK} is longer than ten minutes` : 'decoded';
+      } catch (error) {
+        kaskade.soundtrack = `${SOUNDTRACK} does not decode in this browser`;
+      }
+    }
+    if (kaskade.soundtrack !== 'decoded') {
+      audio.buffer = null;
+      say(`${kaskade.soundtrack}: the show runs without sound. ` +
+          '(A tracker module soundtrack plays only in the desktop build.)');
+    }
+    contentLoaded = true;
+    whenLoaded();
+  }
+
+  // The decoded samples go to the show as 16-bit stereo, for its level meter.
+  function handOverSoundtrack(buffer) {
+    const frames = buffer.length;
+    const pointer = Module.ccall('kaskade_soundtrack_buffer', 'number', ['string', 'number'], [SOUNDTRACK, frames]);
+    if (!pointer) {
+      return false;
+    }
+    const left = buffer.getChannelData(0);
+    const right = buffer.numberOfChannels > 1 ? buffer.getChannelData(1) : left;
+    const samples = new Int16Array(Module.HEAP16.buffer, pointer, frames * 2);
+    const toSample = (x) => Math.max(-32768, Math.min(32767, Math.round(x * 32768)));
+    for (let i = 0; i < frames; ++i) {
+      samples[2 * i] = toSample(left[i]);
+      samples[2 * i + 1] = toSample(right[i]);
+    }
+    return true;
+  }
+
+  function whenLoaded() {
+    if (!runtimeReady || !contentLoaded || kaskade.state !== 'loading') {
+      return;
+    }
+    Module.FS.writeFile(ARCHIVE, archive);
+    archive = null;
+    decoded = audio.buffer !== null && handOverSoundtrack(audio.buffer);
+    for (const index of frameList('grab')) {
+      Module._kaskade_grab_frame(index);
+    }
+    for (const index of frameList('stop')) {
+      Module._kaskade_pause_at_frame(index);
+    }
+    const fault = FAULTS.indexOf(params.get('fault') || '');
+    Module._kaskade_fault(fault > 0 ? fault : 0);
+    kaskade.state = 'ready';
+    if (fixedFps) {
+      start();
+      return;
+    }
+    startButton.disabled = false;
+    startButton.textContent = 'start';
+    startButton.focus();
+    document.addEventListener('keydown', startOnGesture);
+    stage.addEventListener('mousedown', startOnGesture);
+  }
+
+  function startOnGesture(event) {
+    event.preventDefault();
+    start();
+  }
+
+  function start() {
+    if (kaskade.state !== 'ready') {
+      return;
+    }
+    document.removeEventListener('keydown', startOnGesture);
+    stage.removeEventListener('mousedown', startOnGesture);
+    const withSound = decoded && !fixedFps;
+    if (withSound) {
+      audio.context = new AudioContext({ sampleRate: SAMPLE_RATE });
+      audio.context.resume();
+    } else {
+      audio.buffer = null;
+    }
+    cover.classList.add('hidden');
+    kaskade.state = 'playing';
+    let result = 0;
+    try {
+      result = Module.ccall('kaskade_start', 'number', ['number', 'number', 'number'],
+                            [fixedFps, decoded ? 1 : 0, firstPart]);
+    } catch (error) {
+      // A fatal report during the start (it said why on the console).
+      page.failed();
+      return;
+    }
+    if (result !== 0) {
+      fail('This browser gives no WebGL 2 context: the show cannot be drawn.');
+      return;
+    }
+    // Not for the event that started the show.
+    setTimeout(() => {
+      document.addEventListener('keydown', onKey);
+      stage.addEventListener('mousedown', onMouseDown);
+    }, 0);
+  }
+
+  function onKey(event) {
+    const key = event.key === 'Escape' ? 27 : event.key.length === 1 ? event.key.charCodeAt(0) : -1;
+    if (key >= 0 && key < 256 && kaskade.state === 'playing') {
+      Module._kaskade_key(key);
+    }
+  }
+
+  function onMouseDown(event) {
+    if (kaskade.state === 'playing') {
+      Module._kaskade_mouse_down(event.button);
+    }
+  }
+
+  // Fullscreen: the stage takes the screen, the canvas the largest 4:3 frame
+  // that fits, drawn at the screen's own pixels.
+  function fitCanvas() {
+    if (document.fullscreenElement === stage) {
+      const width = Math.min(window.innerWidth, window.innerHeight * 4 / 3);
+      const height = width * 3 / 4;
+      stage.style.setProperty('--frame-width', `${width}px`);
+      stage.style.setProperty('--frame-height', `${height}px`);
+      const ratio = window.devicePixelRatio || 1;
+      canvas.width = Math.round(width * ratio);
+      canvas.height = Math.round(height * ratio);
+    } else {
+      canvas.width = 640;
+      canvas.height = 480;
+    }
+  }
+
+  byId('fullscreen').addEventListener('click', () => {
+    stage.requestFullscreen().catch((error) => say(`Fullscreen refused: ${error.message}`));
+  });
+  document.addEventListener('fullscreenchange', fitCanvas);
+  window.addEventListener('resize', () => {
+    if (document.fullscreenElement === stage) {
+      fitCanvas();
+    }
+  });
+
+  loadContent();
+  const script = document.createElement('script');
+  script.src = 'kaskade.js';
+  script.onerror = () => fail('kaskade.js could not be loaded.');
+  document.body.appendChild(script);
+})();
