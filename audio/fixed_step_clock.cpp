@@ -63,6 +63,8 @@ void advanceFixedStepClock() { ++g_fixedStep.frames; }
 
 void setFixedStepFrame(long frame) { g_fixedStep.frames = frame; }
 
+const DecodedAudio* fixedStepSoundtrack() { return g_fixedStep.active ? &g_fixedStep.soundtrack : nullptr; }
+
 uint32_t fixedStepSongMillis() { return g_fixedStep.songMillis; }
 
 long fixedStepFrames() { return g_fixedStep.frames; }

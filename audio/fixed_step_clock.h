@@ -7,6 +7,8 @@
 
 #include <string>
 
+struct DecodedAudio;
+
 // Installs the fixed-step clock and level source at `fps` frames per second
 // (1..240). With a soundtrack path, decodes it for the levels (false and
 // `error` when it opens neither as a stream nor as a module); with an empty
@@ -25,6 +27,9 @@ void advanceFixedStepClock();
 // The next frame swapped is frame `frame` of the show: a show that starts at a
 // later part, or starts over.
 void setFixedStepFrame(long frame);
+
+// The decoded soundtrack; null before startFixedStepClock, empty for a silent show.
+const DecodedAudio* fixedStepSoundtrack();
 
 // The decoded soundtrack's length in milliseconds; 0 for a silent show.
 uint32_t fixedStepSongMillis();

@@ -1,38 +1,39 @@
 #include "app/desktop/capture.h"
 
 #include "app/desktop/child_process.h"
+#include "app/desktop/frame_target.h"
+#include "app/desktop/frame_writer.h"
 #include "app/desktop/png_file.h"
+#include "app/desktop/video_encoder.h"
 #include "app/status_line.h"
 #include "parts/part_schedule.h"
 
-#include "base/gl.h"
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <sstream>
 #include <vector>
 
 namespace {
 
-constexpr int FRAME_WIDTH = 640;
-constexpr int FRAME_HEIGHT = 480;
-constexpr int PNG_LEVEL = 1;              // fast: frames are many, disk is cheap
+constexpr int PNG_LEVEL = 1;   // fast: frames are many, disk is cheap
+constexpr int WRITER_SLOTS = 3;
+constexpr int PREVIEW_EVERY = 15;  // frames between two looks at the capture in the window
 
 struct Capture {
     bool active = false;
+    CaptureSettings settings;
     bool video = false;
-    std::string path;            // the directory, or the final video file
-    std::string videoOnly;       // for a video: the frames without audio, muxed at the end
-    std::string soundtrack;
-    int fps = 30;
-    ChildProcess encoder;        // ffmpeg, reading the frames on its standard input
+    VideoEncoder encoder;
+    std::unique_ptr<FrameWriter> writer;
     long frames = 0;
     float demoTime = 0.0f;       // of the last frame captured
-    std::vector<uint8_t> pixels;
     std::chrono::steady_clock::time_point started;
     std::chrono::steady_clock::time_point lastProgress;
 };
@@ -62,22 +63,25 @@ bool makeDirectories(const std::string& path) {
     return stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
 }
 
-// Video and audio codecs for the container of `path`.
-std::vector<std::string> videoCodec(const std::string& path) {
-    if (suffix(path, 5) == ".webm") {
-        return {"-c:v", "libvpx-vp9", "-deadline", "realtime", "-cpu-used", "8", "-b:v", "4M"};
+bool writeVideoFrame(const uint8_t* pixels, long) {
+    const CaptureSettings& s = g_capture.settings;
+    if (!encodeFrame(g_capture.encoder, pixels, static_cast<size_t>(s.width) * s.height * 4)) {
+        std::fprintf(stderr, "\nkaskade: %s: the video encoder stopped\n", s.path.c_str());
+        return false;
     }
-    return {"-c:v", "libx264", "-preset", "ultrafast", "-crf", "18"};
-}
-std::vector<std::string> audioCodec(const std::string& path) {
-    if (suffix(path, 5) == ".webm") {
-        return {"-c:a", "libopus", "-b:a", "160k"};
-    }
-    return {"-c:a", "aac", "-b:a", "192k"};
+    return true;
 }
 
-void append(std::vector<std::string>& to, const std::vector<std::string>& more) {
-    to.insert(to.end(), more.begin(), more.end());
+bool writePngFrame(const uint8_t* pixels, long frame) {
+    const CaptureSettings& s = g_capture.settings;
+    char name[32];
+    std::snprintf(name, sizeof name, "/frame_%05ld.png", frame);
+    std::string failure;
+    if (!writePng(s.path + name, s.width, s.height, 4, pixels, false, PNG_LEVEL, &failure)) {
+        std::fprintf(stderr, "\nkaskade: %s\n", failure.c_str());
+        return false;
+    }
+    return true;
 }
 
 void printProgress(float demoTime, bool force) {
@@ -116,34 +120,38 @@ std::string findProgram(const std::string& name) {
     return "";
 }
 
-bool startCapture(const std::string& path, int fps, const std::string& soundtrackPath, std::string* error) {
-    g_capture = Capture{};
-    g_capture.path = path;
-    g_capture.fps = fps;
-    g_capture.soundtrack = soundtrackPath;
-    g_capture.video = isVideoPath(path);
-    g_capture.pixels.resize(static_cast<size_t>(FRAME_WIDTH) * FRAME_HEIGHT * 4);
-    if (g_capture.video) {
-        const std::string ffmpeg = findProgram("ffmpeg");
-        if (ffmpeg.empty()) {
+bool checkCapture(const std::string& path, std::string* error) {
+    if (isVideoPath(path)) {
+        if (findProgram("ffmpeg").empty()) {
             *error = "capturing a video needs ffmpeg, which is not installed (apt-get install ffmpeg), "
                      "or capture PNG frames to a directory instead";
-            return false;
-        }
-        g_capture.videoOnly = path + ".frames.mkv";
-        std::vector<std::string> command{ffmpeg, "-loglevel", "error", "-y", "-f", "rawvideo", "-pix_fmt", "rgba",
-                                         "-s", "640x480", "-r", std::to_string(fps), "-i", "-", "-vf", "vflip"};
-        append(command, videoCodec(path));
-        append(command, {"-pix_fmt", "yuv420p", g_capture.videoOnly});
-        g_capture.encoder = startChild(command, true);
-        if (g_capture.encoder.input == nullptr) {
-            *error = "cannot start ffmpeg";
             return false;
         }
     } else if (!makeDirectories(path)) {
         *error = path + ": cannot make the frame directory";
         return false;
     }
+    return true;
+}
+
+bool startCapture(const CaptureSettings& settings, std::string* error) {
+    g_capture = Capture{};
+    g_capture.settings = settings;
+    g_capture.video = isVideoPath(settings.path);
+    if (!checkCapture(settings.path, error) || !drawOffscreen(settings.width, settings.height, settings.samples, error)) {
+        return false;
+    }
+    FrameWriter::Write write = writePngFrame;
+    if (g_capture.video) {
+        const VideoSettings video{settings.path, settings.width,      settings.height,
+                                  settings.fps,  settings.soundtrack, settings.firstFrame};
+        if (!startVideoEncoder(g_capture.encoder, findProgram("ffmpeg"), video, error)) {
+            return false;
+        }
+        write = writeVideoFrame;
+    }
+    const size_t frameBytes = static_cast<size_t>(settings.width) * settings.height * 4;
+    g_capture.writer = std::make_unique<FrameWriter>(frameBytes, WRITER_SLOTS, write);
     g_capture.active = true;
     g_capture.started = std::chrono::steady_clock::now();
     return true;
@@ -155,19 +163,11 @@ void captureFrame(float demoTime) {
     if (!g_capture.active) {
         return;
     }
-    glPixelStorei(GL_PACK_ALIGNMENT, 1);
-    glReadBuffer(GL_BACK);
-    glReadPixels(0, 0, FRAME_WIDTH, FRAME_HEIGHT, GL_RGBA, GL_UNSIGNED_BYTE, g_capture.pixels.data());
-    if (g_capture.video) {
-        std::fwrite(g_capture.pixels.data(), 1, g_capture.pixels.size(), g_capture.encoder.input);
-    } else {
-        char name[32];
-        std::snprintf(name, sizeof name, "/frame_%05ld.png", g_capture.frames);
-        std::string failure;
-        if (!writePng(g_capture.path + name, FRAME_WIDTH, FRAME_HEIGHT, 4, g_capture.pixels.data(), true, PNG_LEVEL,
-                      &failure)) {
-            std::fprintf(stderr, "\nkaskade: %s\n", failure.c_str());
-        }
+    uint8_t* slot = g_capture.writer->freeSlot();
+    readFrame(slot, g_capture.video);
+    g_capture.writer->submit(slot, g_capture.frames);
+    if (g_capture.frames % PREVIEW_EVERY == 0) {
+        previewFrame();
     }
     ++g_capture.frames;
     g_capture.demoTime = demoTime;
@@ -179,30 +179,15 @@ bool finishCapture() {
         return true;
     }
     g_capture.active = false;
+    bool ok = g_capture.writer->finish();
+    g_capture.writer.reset();
     printProgress(g_capture.demoTime, true);
     endProgressLine();
-    if (!g_capture.video) {
-        return true;
-    }
-    bool ok = finishChild(g_capture.encoder);
-    // The soundtrack loops like the show's music and is cut to the frames' length.
-    char seconds[32];
-    std::snprintf(seconds, sizeof seconds, "%.3f", static_cast<double>(g_capture.frames) / g_capture.fps);
-    std::vector<std::string> command{findProgram("ffmpeg"), "-loglevel", "error", "-y", "-i", g_capture.videoOnly};
-    if (g_capture.soundtrack.empty()) {
-        append(command, {"-map", "0:v", "-c:v", "copy"});
-    } else {
-        append(command, {"-stream_loop", "-1", "-i", g_capture.soundtrack, "-map", "0:v", "-map", "1:a", "-c:v", "copy"});
-        append(command, audioCodec(g_capture.path));
-    }
-    append(command, {"-t", seconds, g_capture.path});
-    if (ok) {
-        ChildProcess mux = startChild(command, false);
-        ok = finishChild(mux);
-    }
-    std::remove(g_capture.videoOnly.c_str());
-    if (!ok) {
-        std::fprintf(stderr, "kaskade: %s: the video could not be written\n", g_capture.path.c_str());
+    if (g_capture.video) {
+        ok = finishVideoEncoder(g_capture.encoder) && ok;
+        if (!ok) {
+            std::fprintf(stderr, "kaskade: %s: the video could not be written\n", g_capture.settings.path.c_str());
+        }
     }
     return ok;
 }

@@ -1,22 +1,40 @@
-// Capture of the show: every swapped frame, read back from the back buffer
-// (640 x 480, as shown), goes to a directory of PNG frames or, for a path
-// ending in .mp4, .mkv or .webm, to a video with the soundtrack as its audio,
-// cut to the length of the show.
+// Capture of the show: every frame as drawn, at any size and with
+// multisampling, to a directory of PNG frames or, for a path ending in .mp4,
+// .mkv or .webm, to one video with the soundtrack of the same stretch of the
+// show, encoded in one pass. The frames are drawn offscreen (the screen's size
+// does not limit them) and written by a thread of their own.
 #pragma once
 
 #include <string>
 
-// Prepares the capture before the show starts. False and `error` when it
-// cannot be done (a video without ffmpeg, a directory that cannot be made).
-bool startCapture(const std::string& path, int fps, const std::string& soundtrackPath, std::string* error);
+struct DecodedAudio;
+
+struct CaptureSettings {
+    std::string path;
+    int fps = 30;
+    int width = 640;
+    int height = 480;
+    int samples = 0;                        // per pixel; 0 or 1: no multisampling
+    const DecodedAudio* soundtrack = nullptr;  // null: a silent video
+    long firstFrame = 0;                    // the show's frame number of the capture's frame 0
+};
+
+// Whether the capture can be made at all (a video needs ffmpeg, frames a
+// directory that can be made), before the show opens its window. False and
+// `error` when not.
+bool checkCapture(const std::string& path, std::string* error);
+
+// Starts drawing offscreen and writing: needs the GL context. False and `error`
+// when it cannot be done.
+bool startCapture(const CaptureSettings& settings, std::string* error);
 
 bool captureActive();
 
-// Reads back the frame about to be swapped and writes it; updates the progress line.
+// Reads back the frame just drawn and hands it to the writer; updates the progress line.
 void captureFrame(float demoTime);
 
-// Completes the files (for a video: the audio is added and the length cut).
-// Returns false and prints why on standard error when that fails.
+// Writes what is left and completes the files. Returns false and prints why
+// on standard error when that fails.
 bool finishCapture();
 
 // True when `path` names a video container the capture encodes.

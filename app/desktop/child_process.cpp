@@ -10,18 +10,36 @@
 
 extern char** environ;
 
-ChildProcess startChild(const std::vector<std::string>& argv, bool withInput) {
+namespace {
+
+void closeBoth(int ends[2]) {
+    for (int i = 0; i < 2; ++i) {
+        if (ends[i] >= 0) {
+            close(ends[i]);
+            ends[i] = -1;
+        }
+    }
+}
+
+}  // namespace
+
+ChildProcess startChild(const std::vector<std::string>& argv, int pipes) {
     ChildProcess child;
-    int pipeEnds[2] = {-1, -1};
-    if (withInput && pipe2(pipeEnds, O_CLOEXEC) != 0) {
+    int stdinEnds[2] = {-1, -1};
+    int fd3Ends[2] = {-1, -1};
+    if ((pipes >= 1 && pipe2(stdinEnds, O_CLOEXEC) != 0) || (pipes >= 2 && pipe2(fd3Ends, O_CLOEXEC) != 0)) {
+        closeBoth(stdinEnds);
         return child;
     }
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
-    if (withInput) {
-        posix_spawn_file_actions_adddup2(&actions, pipeEnds[0], STDIN_FILENO);
+    if (pipes >= 1) {
+        posix_spawn_file_actions_adddup2(&actions, stdinEnds[0], STDIN_FILENO);
     } else {
         posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    }
+    if (pipes >= 2) {
+        posix_spawn_file_actions_adddup2(&actions, fd3Ends[0], 3);
     }
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
@@ -37,27 +55,46 @@ ChildProcess startChild(const std::vector<std::string>& argv, bool withInput) {
     const int failed = posix_spawnp(&pid, arguments[0], &actions, &attributes, arguments.data(), environ);
     posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&actions);
-    if (withInput) {
-        close(pipeEnds[0]);
-    }
     if (failed != 0) {
-        if (withInput) {
-            close(pipeEnds[1]);
-        }
+        closeBoth(stdinEnds);
+        closeBoth(fd3Ends);
         return child;
     }
-    child.pid = pid;
-    if (withInput) {
-        child.input = fdopen(pipeEnds[1], "w");
+    if (stdinEnds[0] >= 0) {
+        close(stdinEnds[0]);
     }
+    if (fd3Ends[0] >= 0) {
+        close(fd3Ends[0]);
+    }
+    child.pid = pid;
+    child.input = stdinEnds[1];
+    child.input3 = fd3Ends[1];
     setChildToStopOnExit(pid);
     return child;
 }
 
+bool writeAll(int fd, const void* bytes, size_t size) {
+    const char* next = static_cast<const char*>(bytes);
+    while (size > 0) {
+        const ssize_t written = write(fd, next, size);
+        if (written < 0 && errno == EINTR) {
+            continue;
+        }
+        if (written <= 0) {
+            return false;
+        }
+        next += written;
+        size -= static_cast<size_t>(written);
+    }
+    return true;
+}
+
 bool finishChild(ChildProcess& child) {
-    if (child.input != nullptr) {
-        std::fclose(child.input);
-        child.input = nullptr;
+    for (int* fd : {&child.input, &child.input3}) {
+        if (*fd >= 0) {
+            close(*fd);
+            *fd = -1;
+        }
     }
     if (child.pid <= 0) {
         return false;

@@ -5,19 +5,22 @@
 
 #include <sys/types.h>
 
-#include <cstdio>
 #include <string>
 #include <vector>
 
 struct ChildProcess {
     pid_t pid = -1;
-    FILE* input = nullptr;  // the child's standard input, when asked for
+    int input = -1;   // the writing end of the child's standard input, when asked for
+    int input3 = -1;  // the writing end of the child's file descriptor 3, when asked for
 };
 
-// Starts argv[0] (looked up on PATH) with `argv`. With `withInput`, its
-// standard input is a pipe written through `input`; otherwise /dev/null.
-// pid is -1 when it could not be started.
-ChildProcess startChild(const std::vector<std::string>& argv, bool withInput);
+// Starts argv[0] (looked up on PATH) with `argv`. `pipes` 0: standard input
+// is /dev/null; 1: a pipe; 2: a pipe, and a second one on descriptor 3 (what
+// ffmpeg reads as "pipe:3"). pid is -1 when it could not be started.
+ChildProcess startChild(const std::vector<std::string>& argv, int pipes);
 
-// Closes the child's input (if any) and waits for it; true when it exited with status 0.
+// Writes all `size` bytes to `fd`; false when the reader is gone.
+bool writeAll(int fd, const void* bytes, size_t size);
+
+// Closes the child's inputs and waits for it; true when it exited with status 0.
 bool finishChild(ChildProcess& child);

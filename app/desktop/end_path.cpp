@@ -18,8 +18,9 @@ void runEndPath() {
         restoreDisplayMode();
     }
     closeMusic();
-    finishCapture();
+    const bool captured = finishCapture();
     std::printf("fps: %2.2f\n", framesPerSecond());
     std::free(g_waveMap);
-    std::exit(endPathExitStatus());
+    const int status = endPathExitStatus();
+    std::exit(status != 0 ? status : captured ? 0 : 1);
 }

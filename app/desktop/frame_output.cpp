@@ -1,16 +1,22 @@
 #include "app/frame_output.h"
 
 #include "app/desktop/capture.h"
+#include "app/desktop/frame_target.h"
 #include "audio/fixed_step_clock.h"
 #include "audio/music.h"
 
 #include <GL/freeglut.h>
 
 void presentFrame() {
-    // Read back before the swap: the back buffer holds exactly what was drawn.
-    captureFrame(g_demoTime);
-    glutSwapBuffers();
+    // Captured frames are drawn offscreen and read back before the next one;
+    // the window shows them now and then.
+    if (captureActive()) {
+        captureFrame(g_demoTime);
+    } else {
+        glutSwapBuffers();
+    }
     if (fixedStepClockActive()) {
         advanceFixedStepClock();
     }
+    prepareFrame();
 }

@@ -2,6 +2,8 @@
 // on, everything happens in the GLUT callbacks until the sequencer's end path.
 #include "app/desktop/capture.h"
 #include "app/desktop/display_mode.h"
+#include "app/desktop/frame_target.h"
+#include "app/desktop/multisample.h"
 #include "app/desktop/options.h"
 #include "app/desktop/show_loop.h"
 #include "app/desktop/signals.h"
@@ -24,18 +26,73 @@ namespace {
 
 const char* const SOUNDTRACK_FILE = "harbour.mp3";
 
-// The fixed-step clock (and capture) instead of the wall clock and the audio
-// device: the soundtrack is decoded for its levels and its length only.
+[[noreturn]] void refuse(const std::string& message) {
+    std::fprintf(stderr, "kaskade: %s\n", message.c_str());
+    std::exit(1);
+}
+
+// The fixed-step clock instead of the wall clock and the audio device: the
+// soundtrack is decoded for its levels, its length and a capture's sound.
 void startFixedStep(const ShowOptions& options) {
     const std::string soundtrack = options.noSound ? "" : SOUNDTRACK_FILE;
     std::string error;
     if (!startFixedStepClock(options.fps, soundtrack, &error)) {
         musicFatal("Can't play the file");
     }
-    if (!options.capturePath.empty() && !startCapture(options.capturePath, options.fps, soundtrack, &error)) {
-        std::fprintf(stderr, "kaskade: %s\n", error.c_str());
-        std::exit(1);
+    if (!options.capturePath.empty() && !checkCapture(options.capturePath, &error)) {
+        refuse(error);
     }
+}
+
+// The window: as large as --size makes it (a capture's own frames are drawn
+// offscreen, so its window only previews them, 640 pixels wide), multisampled
+// with --aa (refused when the display offers no such visual).
+void openWindow(int* argc, char** argv, const ShowOptions& options) {
+    glutInit(argc, argv);
+    unsigned int mode = GLUT_RGB | GLUT_DOUBLE | GLUT_DEPTH;
+    const bool capturing = !options.capturePath.empty();
+    if (options.samples > 1 && !capturing) {
+        std::string offered;
+        if (!displayOffersSamples(options.samples, &offered)) {
+            refuse("the display offers no " + std::to_string(options.samples) +
+                   "-sample multisampling (it offers: " + offered + ")");
+        }
+        mode |= GLUT_MULTISAMPLE;
+        glutSetOption(GLUT_MULTISAMPLE, options.samples);
+    }
+    glutInitDisplayMode(mode);
+    if (capturing) {
+        glutInitWindowSize(640, 640 * options.height / options.width);
+    } else {
+        glutInitWindowSize(options.width, options.height);
+    }
+    glutCreateWindow("kaskade [12]");
+    if (g_fullscreen || options.desktop) {
+        glutFullScreen();
+        glutSetCursor(GLUT_CURSOR_NONE);
+    }
+}
+
+// Where the frames go: the window, following its size, or a capture.
+void chooseFrameTarget(const ShowOptions& options) {
+    if (options.capturePath.empty()) {
+        fitToWindow(glutGet(GLUT_WINDOW_WIDTH), glutGet(GLUT_WINDOW_HEIGHT));
+        glutReshapeFunc(fitToWindow);
+    } else {
+        CaptureSettings capture;
+        capture.path = options.capturePath;
+        capture.fps = options.fps;
+        capture.width = options.width;
+        capture.height = options.height;
+        capture.samples = options.samples;
+        capture.soundtrack = options.noSound ? nullptr : fixedStepSoundtrack();
+        capture.firstFrame = firstTickOfPart(options.part, options.fps);
+        std::string error;
+        if (!startCapture(capture, &error)) {
+            refuse(error);
+        }
+    }
+    prepareFrame();
 }
 
 }  // namespace
@@ -70,15 +127,9 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "%s\n", warning.c_str());
     }
 
-    glutInit(&argc, argv);
-    glutInitDisplayMode(GLUT_RGB | GLUT_DOUBLE | GLUT_DEPTH);
-    glutInitWindowSize(640, 480);
-    glutCreateWindow("kaskade [12]");
-    if (g_fullscreen) {
-        glutFullScreen();
-        glutSetCursor(GLUT_CURSOR_NONE);
-    }
+    openWindow(&argc, argv, options);
     initGlState();
+    chooseFrameTarget(options);
 
     glutDisplayFunc(onFrame);
     glutIdleFunc(onFrame);

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "app/desktop/capture.h"
 #include "app/shell.h"
 #include "parts/part_schedule.h"
 
@@ -39,6 +40,36 @@ int parseWhole(const char* text, long low, long high) {
     return end != text && *end == '\0' && value >= low && value <= high ? static_cast<int>(value) : 0;
 }
 
+// "WIDTHxHEIGHT", each from MIN_FRAME_SIZE to MAX_FRAME_SIZE.
+bool parseSize(const char* text, int* width, int* height) {
+    const char* x = std::strchr(text, 'x');
+    if (x == nullptr) {
+        return false;
+    }
+    const std::string first(text, x);
+    *width = parseWhole(first.c_str(), MIN_FRAME_SIZE, MAX_FRAME_SIZE);
+    *height = parseWhole(x + 1, MIN_FRAME_SIZE, MAX_FRAME_SIZE);
+    return *width != 0 && *height != 0;
+}
+
+// Combinations that cannot be kept; empty when there is none.
+std::string conflict(const ShowOptions& options) {
+    const bool sized = options.width != 640 || options.height != 480;
+    if (options.loop && !options.capturePath.empty()) {
+        return "--loop and --capture do not go together: a looping show never ends, so its capture would not";
+    }
+    if (options.desktop && !options.capturePath.empty()) {
+        return "--desktop and --capture do not go together: a capture is as large as --size makes it";
+    }
+    if (options.desktop && sized) {
+        return "--desktop and --size do not go together: --desktop takes the display's own size";
+    }
+    if (isVideoPath(options.capturePath) && (options.width % 2 != 0 || options.height % 2 != 0)) {
+        return "a video needs an even width and height (--size)";
+    }
+    return "";
+}
+
 }  // namespace
 
 ShowOptions parseShowOptions(int argc, char** argv) {
@@ -69,6 +100,17 @@ ShowOptions parseShowOptions(int argc, char** argv) {
             }
         } else if (std::strcmp(argument, "--loop") == 0) {
             options.loop = true;
+        } else if (const char* size = optionValue(argc, argv, &i, "--size", &missing)) {
+            if (!parseSize(size, &options.width, &options.height)) {
+                options.error = "--size needs WIDTHxHEIGHT, each from 64 to 8192 pixels, e.g. 1920x1080";
+            }
+        } else if (std::strcmp(argument, "--desktop") == 0) {
+            options.desktop = true;
+        } else if (const char* samples = optionValue(argc, argv, &i, "--aa", &missing)) {
+            options.samples = parseWhole(samples, 1, MAX_SAMPLES);
+            if (options.samples == 0) {
+                options.error = "--aa needs a number of samples per pixel from 1 to 64, e.g. 4";
+            }
         }
         if (missing) {
             options.error = std::string(argument) + " needs a value";
@@ -77,27 +119,33 @@ ShowOptions parseShowOptions(int argc, char** argv) {
     if (!options.capturePath.empty() && options.fps == 0 && options.error.empty()) {
         options.fps = CAPTURE_DEFAULT_FPS;
     }
-    if (options.loop && !options.capturePath.empty() && options.error.empty()) {
-        options.error = "--loop and --capture do not go together: a looping show never ends, so its capture would not";
+    if (options.error.empty()) {
+        options.error = conflict(options);
     }
     return options;
 }
 
 const char* showUsage() {
-    return "usage: kaskade [--window] [--nosound] [--fps N] [--capture PATH] [--part N]\n"
-           "               [--loop] [--verbose] [--help] [--version]\n"
+    return "usage: kaskade [--window] [--desktop] [--size WxH] [--aa N] [--nosound]\n"
+           "               [--fps N] [--capture PATH] [--part N] [--loop] [--verbose]\n"
+           "               [--help] [--version]\n"
            "\n"
            "Plays the show from the archive \"3d\" and the soundtrack \"harbour.mp3\" in the\n"
            "working directory. Without arguments it runs fullscreen; any argument gives a\n"
            "640 x 480 window.\n"
            "\n"
            "  --window        run in a window (any argument does)\n"
+           "  --desktop       fullscreen at the display's own size, without switching it\n"
+           "  --size WxH      a window (or a capture) of W x H pixels; the 4:3 picture\n"
+           "                  is centred in it between black bars\n"
+           "  --aa N          N samples per pixel (multisampling), e.g. 4\n"
            "  --nosound       open no audio device; the show runs silently on its clock\n"
            "  --fps N         step the clock by frames (1 to 240 per second) instead of the\n"
            "                  wall: every run draws the same frames, as fast as it can\n"
            "  --capture PATH  write every frame: PATH ending in .mp4, .mkv or .webm is a\n"
            "                  video with the soundtrack (needs ffmpeg), anything else a\n"
-           "                  directory of frame_00000.png ... (implies --fps 30)\n"
+           "                  directory of frame_00000.png ... (implies --fps 30), at\n"
+           "                  --size (640x480 unless given) and --aa\n"
            "  --part N        start at part N (1 to 13), the music and the clock at its\n"
            "                  place in the show, as if parts 1 to N-1 had played\n"
            "  --loop          after the last part, start over at part 1 until ended\n"

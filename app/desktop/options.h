@@ -13,11 +13,18 @@ struct ShowOptions {
     std::string capturePath;  // --capture PATH: PNG frames in a directory, or a .mp4/.mkv/.webm video
     bool verbose = false;     // --verbose: a line per part on standard error
     int part = 1;             // --part N: the show starts at part N (1..13)
+    int width = 640;          // --size WxH: the window's or the capture's size in pixels
+    int height = 480;
+    bool desktop = false;     // --desktop: fullscreen at the display's own size, no mode switch
+    int samples = 0;          // --aa N: N samples per pixel (0: the window's default, none)
     bool loop = false;        // --loop: after the last part the show starts over at part 1
     std::string error;        // a known option with a bad value; the show does not start
 };
 
 constexpr int MAX_FIXED_FPS = 240;
+constexpr int MIN_FRAME_SIZE = 64;     // pixels, each side of --size
+constexpr int MAX_FRAME_SIZE = 8192;
+constexpr int MAX_SAMPLES = 64;
 constexpr int CAPTURE_DEFAULT_FPS = 30;
 
 ShowOptions parseShowOptions(int argc, char** argv);

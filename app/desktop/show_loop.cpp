@@ -1,5 +1,7 @@
 #include "app/desktop/show_loop.h"
 
+#include "app/desktop/frame_target.h"
+
 #include "app/sequencer.h"
 #include "app/show_start.h"
 #include "base/gl.h"
@@ -17,6 +19,7 @@ void startOver() {
     glPopAttrib();
     glPushAttrib(GL_ALL_ATTRIB_BITS);
     glPushClientAttrib(GL_CLIENT_ALL_ATTRIB_BITS);
+    refitFrame();
     startShowAgain();
 }
 
