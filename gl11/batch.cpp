@@ -142,8 +142,7 @@ void flushBatch() {
             g_applied.program = program;
         }
         applyUniforms(s);
-        g_counts.streamedBytes += bindBatchVertices(batch.vertices.data(), batch.count, batch.kind);
-        glDrawArrays(batch.kind == BatchKind::Lines ? GL_LINES : GL_TRIANGLES, 0, batch.count);
+        g_counts.streamedBytes += drawBatchVertices(batch.vertices.data(), batch.count, batch.kind);
         ++g_counts.drawCalls;
         g_counts.vertices += static_cast<uint32_t>(batch.count);
     }

@@ -126,8 +126,19 @@ void gl11FrontFace(GLenum winding) { setStateField(g_gl11.state.frontFace, windi
 
 void gl11ShadeModel(GLenum model) { setStateField(g_gl11.state.shadeModel, model); }
 
-// WebGL draws lines of width 1 only, which is the one width the show uses.
-void gl11LineWidth(GLfloat) {}
+// Most WebGL implementations draw only lines of width 1 (SwiftShader among
+// them); wider ones are asked for and clamped to what the browser offers.
+void gl11LineWidth(GLfloat width) {
+    static GLfloat current = 1.0f;
+    GLfloat range[2] = {1.0f, 1.0f};
+    glGetFloatv(GL_ALIASED_LINE_WIDTH_RANGE, range);
+    const GLfloat clamped = width < range[0] ? range[0] : width > range[1] ? range[1] : width;
+    if (clamped != current) {
+        flushBatch();
+        glLineWidth(clamped);
+        current = clamped;
+    }
+}
 
 void gl11ClearColor(GLfloat red, GLfloat green, GLfloat blue, GLfloat alpha) {
     setVector(g_gl11.clearColour, red, green, blue, alpha);

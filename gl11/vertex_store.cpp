@@ -6,6 +6,7 @@
 #include <cstring>
 #include <iterator>
 #include <unordered_map>
+#include <vector>
 
 namespace {
 
@@ -14,25 +15,83 @@ constexpr int KEEP_MIN_VERTICES = 96;
 // A kept buffer not drawn from for this many frames is deleted.
 constexpr uint32_t KEEP_FRAMES = 30;
 
-struct KeptBatch {
+// A batch on the GPU: its distinct vertices and the indices that draw it.
+struct GpuBatch {
     GLuint vertexArray = 0;
-    GLuint buffer = 0;
-    int count = 0;
+    GLuint vertices = 0;
+    GLuint indices = 0;
+    int count = 0;             // indices
+    GLenum indexType = GL_UNSIGNED_SHORT;
     uint32_t lastFrame = 0;
 };
 
-std::unordered_map<uint64_t, KeptBatch> g_kept;    // by content hash
+// A batch as distinct vertices and indices, made by indexBatch.
+struct IndexedBatch {
+    std::vector<BatchVertex> vertices;
+    std::vector<uint32_t> indices;
+    std::vector<uint16_t> shortIndices;  // the indices when every one fits 16 bits
+    std::vector<int32_t> table;          // open-addressing hash table of vertex numbers
+};
+
+std::unordered_map<uint64_t, GpuBatch> g_kept;      // by content hash
 std::unordered_map<uint64_t, uint32_t> g_streamed;  // content hash -> frame it was streamed in
 uint32_t g_frame = 1;
-GLuint g_streamArray = 0;
-GLuint g_streamBuffer = 0;
+GpuBatch g_stream;
+IndexedBatch g_indexed;
 
-// A vertex array over `buffer` with BatchVertex's layout.
-GLuint makeVertexArray(GLuint buffer) {
-    GLuint vertexArray = 0;
-    glGenVertexArrays(1, &vertexArray);
-    glBindVertexArray(vertexArray);
-    glBindBuffer(GL_ARRAY_BUFFER, buffer);
+constexpr uint64_t FNV_OFFSET = 0xCBF29CE484222325ull;
+constexpr uint64_t FNV_PRIME = 0x100000001B3ull;
+
+// 64-bit FNV-1a over the 32-bit words of `bytes` (a multiple of 4 long).
+uint64_t hashWords(const void* bytes, size_t size, uint64_t hash = FNV_OFFSET) {
+    const unsigned char* at = static_cast<const unsigned char*>(bytes);
+    for (size_t i = 0; i < size; i += 4) {
+        uint32_t word;
+        std::memcpy(&word, at + i, 4);
+        hash = (hash ^ word) * FNV_PRIME;
+    }
+    return hash;
+}
+
+uint64_t contentHash(const BatchVertex* vertices, int count, BatchKind kind) {
+    const uint64_t seed = FNV_OFFSET ^ (static_cast<uint64_t>(count) << 1 | static_cast<uint64_t>(kind));
+    return hashWords(vertices, static_cast<size_t>(count) * sizeof(BatchVertex), seed);
+}
+
+// Fills g_indexed with the distinct vertices of the batch, in order of first use.
+void indexBatch(const BatchVertex* vertices, int count) {
+    IndexedBatch& out = g_indexed;
+    out.vertices.clear();
+    out.indices.resize(static_cast<size_t>(count));
+    size_t slots = 64;
+    while (slots < static_cast<size_t>(count) * 2) {
+        slots *= 2;
+    }
+    out.table.assign(slots, -1);
+    for (int i = 0; i < count; ++i) {
+        const BatchVertex& vertex = vertices[i];
+        size_t slot = static_cast<size_t>(hashWords(&vertex, sizeof vertex)) & (slots - 1);
+        while (out.table[slot] >= 0 &&
+               std::memcmp(&out.vertices[static_cast<size_t>(out.table[slot])], &vertex, sizeof vertex) != 0) {
+            slot = (slot + 1) & (slots - 1);
+        }
+        if (out.table[slot] < 0) {
+            out.table[slot] = static_cast<int32_t>(out.vertices.size());
+            out.vertices.push_back(vertex);
+        }
+        out.indices[static_cast<size_t>(i)] = static_cast<uint32_t>(out.table[slot]);
+    }
+}
+
+// A vertex array over fresh vertex and index buffers, with BatchVertex's layout.
+GpuBatch makeGpuBatch() {
+    GpuBatch batch;
+    glGenVertexArrays(1, &batch.vertexArray);
+    glGenBuffers(1, &batch.vertices);
+    glGenBuffers(1, &batch.indices);
+    glBindVertexArray(batch.vertexArray);
+    glBindBuffer(GL_ARRAY_BUFFER, batch.vertices);
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, batch.indices);
     auto attribute = [](GLuint location, GLint size, GLenum type, GLboolean normalised, size_t offset) {
         glEnableVertexAttribArray(location);
         glVertexAttribPointer(location, size, type, normalised, sizeof(BatchVertex), reinterpret_cast<const void*>(offset));
@@ -41,69 +100,80 @@ GLuint makeVertexArray(GLuint buffer) {
     attribute(ATTRIBUTE_NORMAL, 3, GL_FLOAT, GL_FALSE, offsetof(BatchVertex, normal));
     attribute(ATTRIBUTE_COLOUR, 4, GL_UNSIGNED_BYTE, GL_TRUE, offsetof(BatchVertex, colour));
     attribute(ATTRIBUTE_TEXCOORD, 2, GL_FLOAT, GL_FALSE, offsetof(BatchVertex, texCoord));
-    return vertexArray;
+    return batch;
 }
 
-// 64-bit FNV-1a over 32-bit words, with the kind and count mixed in.
-uint64_t contentHash(const BatchVertex* vertices, int count, BatchKind kind) {
-    constexpr uint64_t PRIME = 0x100000001B3ull;
-    uint64_t hash = 0xCBF29CE484222325ull ^ (static_cast<uint64_t>(count) << 1 | static_cast<uint64_t>(kind));
-    const size_t words = static_cast<size_t>(count) * sizeof(BatchVertex) / 4;
-    const unsigned char* bytes = reinterpret_cast<const unsigned char*>(vertices);
-    for (size_t i = 0; i < words; ++i) {
-        uint32_t word;
-        std::memcpy(&word, bytes + 4 * i, 4);
-        hash = (hash ^ word) * PRIME;
+// Gives `batch` the indexed form of the batch in g_indexed, in fresh stores
+// (writing into a store that earlier draws still read makes the browser copy
+// all of it first). Returns the bytes sent.
+uint32_t upload(GpuBatch& batch, GLenum usage) {
+    const IndexedBatch& indexed = g_indexed;
+    glBindVertexArray(batch.vertexArray);
+    glBindBuffer(GL_ARRAY_BUFFER, batch.vertices);
+    const GLsizeiptr vertexBytes = static_cast<GLsizeiptr>(indexed.vertices.size() * sizeof(BatchVertex));
+    glBufferData(GL_ARRAY_BUFFER, vertexBytes, indexed.vertices.data(), usage);
+    batch.count = static_cast<int>(indexed.indices.size());
+    GLsizeiptr indexBytes = 0;
+    if (indexed.vertices.size() <= 0x10000) {
+        g_indexed.shortIndices.assign(indexed.indices.begin(), indexed.indices.end());
+        batch.indexType = GL_UNSIGNED_SHORT;
+        indexBytes = static_cast<GLsizeiptr>(indexed.shortIndices.size() * sizeof(uint16_t));
+        glBufferData(GL_ELEMENT_ARRAY_BUFFER, indexBytes, indexed.shortIndices.data(), usage);
+    } else {
+        batch.indexType = GL_UNSIGNED_INT;
+        indexBytes = static_cast<GLsizeiptr>(indexed.indices.size() * sizeof(uint32_t));
+        glBufferData(GL_ELEMENT_ARRAY_BUFFER, indexBytes, indexed.indices.data(), usage);
     }
-    return hash;
+    return static_cast<uint32_t>(vertexBytes + indexBytes);
 }
 
-GLsizeiptr byteSize(int count) { return static_cast<GLsizeiptr>(count) * static_cast<GLsizeiptr>(sizeof(BatchVertex)); }
+void draw(const GpuBatch& batch, BatchKind kind) {
+    glBindVertexArray(batch.vertexArray);
+    glDrawElements(kind == BatchKind::Lines ? GL_LINES : GL_TRIANGLES, batch.count, batch.indexType, nullptr);
+}
 
 }  // namespace
 
 void initVertexStore() {
-    glGenBuffers(1, &g_streamBuffer);
-    g_streamArray = makeVertexArray(g_streamBuffer);
+    g_stream = makeGpuBatch();
 }
 
-uint32_t bindBatchVertices(const BatchVertex* vertices, int count, BatchKind kind) {
+uint32_t drawBatchVertices(const BatchVertex* vertices, int count, BatchKind kind) {
+    uint32_t sent = 0;
     if (count >= KEEP_MIN_VERTICES) {
         const uint64_t hash = contentHash(vertices, count, kind);
         const auto kept = g_kept.find(hash);
-        if (kept != g_kept.end() && kept->second.count == count) {
+        if (kept != g_kept.end()) {
             kept->second.lastFrame = g_frame;
-            glBindVertexArray(kept->second.vertexArray);
+            draw(kept->second, kind);
             return 0;
         }
         // Sent again in the next frame: from then on it is kept.
         const auto streamed = g_streamed.find(hash);
-        if (streamed != g_streamed.end() && streamed->second + 1 >= g_frame && kept == g_kept.end()) {
-            KeptBatch batch;
-            glGenBuffers(1, &batch.buffer);
-            batch.vertexArray = makeVertexArray(batch.buffer);
-            glBufferData(GL_ARRAY_BUFFER, byteSize(count), vertices, GL_STATIC_DRAW);
-            batch.count = count;
+        if (streamed != g_streamed.end() && streamed->second + 1 >= g_frame) {
+            GpuBatch batch = makeGpuBatch();
+            indexBatch(vertices, count);
+            sent = upload(batch, GL_STATIC_DRAW);
             batch.lastFrame = g_frame;
             g_kept.emplace(hash, batch);
             g_streamed.erase(streamed);
-            return static_cast<uint32_t>(byteSize(count));
+            draw(batch, kind);
+            return sent;
         }
         g_streamed[hash] = g_frame;
     }
-    glBindVertexArray(g_streamArray);
-    glBindBuffer(GL_ARRAY_BUFFER, g_streamBuffer);
-    // A fresh store each time: writing into a store that earlier draws still
-    // read makes the browser copy all of it first.
-    glBufferData(GL_ARRAY_BUFFER, byteSize(count), vertices, GL_STREAM_DRAW);
-    return static_cast<uint32_t>(byteSize(count));
+    indexBatch(vertices, count);
+    sent = upload(g_stream, GL_STREAM_DRAW);
+    draw(g_stream, kind);
+    return sent;
 }
 
 void endVertexStoreFrame() {
     for (auto it = g_kept.begin(); it != g_kept.end();) {
         if (it->second.lastFrame + KEEP_FRAMES < g_frame) {
             glDeleteVertexArrays(1, &it->second.vertexArray);
-            glDeleteBuffers(1, &it->second.buffer);
+            glDeleteBuffers(1, &it->second.vertices);
+            glDeleteBuffers(1, &it->second.indices);
             it = g_kept.erase(it);
         } else {
             ++it;

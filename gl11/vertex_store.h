@@ -1,9 +1,11 @@
-// Where a batch's vertices are on the GPU when it is drawn. The show sends
-// most of its geometry unchanged every frame (only the matrices move it), and
-// sending it again each frame is what costs the browser most: a batch whose
-// vertices equal, byte for byte, a batch drawn in the frame before is drawn
-// from a buffer kept since then. Others (deforming meshes, small batches)
-// are streamed into a fresh store each time.
+// Where a batch's vertices are on the GPU when it is drawn. Immediate mode
+// sends each triangle's corners on their own, so a mesh's shared vertices come
+// many times: a batch goes to WebGL as its distinct vertices and indices into
+// them, which sends less and lets the GPU shade a shared vertex once. And the
+// show sends most of its geometry unchanged every frame (only the matrices
+// move it), so a batch equal, byte for byte, to one drawn in the frame before
+// is drawn from the buffers kept since then. Others (deforming meshes, small
+// batches) are streamed into fresh stores each time.
 #pragma once
 
 #include "gl11/batch.h"
@@ -13,9 +15,9 @@
 // Needs the context current.
 void initVertexStore();
 
-// Binds a vertex array whose vertices 0 .. count - 1 are `vertices`.
-// Returns the bytes sent to WebGL for it (0 when a kept buffer served).
-uint32_t bindBatchVertices(const BatchVertex* vertices, int count, BatchKind kind);
+// Draws `count` vertices of `kind` (with the program and state in force).
+// Returns the bytes sent to WebGL for them (0 when kept buffers served).
+uint32_t drawBatchVertices(const BatchVertex* vertices, int count, BatchKind kind);
 
 // A frame ended: buffers not drawn from for a while are given back.
 void endVertexStoreFrame();

@@ -46,13 +46,16 @@ bool createContext() {
     return true;
 }
 
-// The drawing buffer follows the canvas, which the page resizes for fullscreen.
+// The drawing buffer follows the canvas, which the page resizes (always 4:3)
+// for fullscreen. Lines are as thick, relative to the picture, as at 640 x 480
+// where the browser draws wide lines at all.
 void followCanvasSize() {
     int width = 0;
     int height = 0;
     emscripten_get_canvas_element_size("#canvas", &width, &height);
     if (width != g_viewportWidth || height != g_viewportHeight) {
         glViewport(0, 0, width, height);
+        glLineWidth(static_cast<float>(height) / 480.0f);
         g_viewportWidth = width;
         g_viewportHeight = height;
     }
