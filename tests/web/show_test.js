@@ -88,7 +88,7 @@ describe('the fixed-step show', () => {
 });
 
 describe('the live show', () => {
-  test('waits for a gesture, plays on the AudioContext clock and ends on a mouse press with the frame rate', async () => {
+  test('waits for a gesture, plays on the AudioContext clock, goes fullscreen in 4:3 and ends on a mouse press', async () => {
     const site = await serveSite(SITE);
     const errors = [];
     const logged = [];
@@ -109,6 +109,15 @@ describe('the live show', () => {
     assert.equal(demoTimes.length, 1, 'r writes the demo time to the console');
     assert.ok(demoTimes[0] > 5 && demoTimes[0] < 600, `demo time ${demoTimes[0]} after about two seconds`);
 
+    await page.locator('#fullscreen').click();
+    await page.waitForFunction(() => document.fullscreenElement !== null, null, { timeout: 10000 });
+    await page.waitForTimeout(300);
+    const frame = await page.evaluate(() => ({ width: canvas.width, height: canvas.height, screenWidth: innerWidth,
+                                               screenHeight: innerHeight, state: window.kaskade.state }));
+    assert.equal(frame.state, 'playing', 'the fullscreen button does not end the show');
+    assert.ok(Math.abs(frame.width * 3 - frame.height * 4) <= 4, `${frame.width} x ${frame.height} is 4:3`);
+    assert.ok(frame.width === frame.screenWidth || frame.height === frame.screenHeight, 'the frame fills the screen');
+
     await page.mouse.click(320, 240);
     await waitForState(page, ['ended', 'failed'], 10000);
     assert.match(await page.locator('#status').textContent(), /^fps: \d+\.\d\d$/);
@@ -119,7 +128,7 @@ describe('the live show', () => {
 });
 
 describe('bad content', () => {
-  test('a soundtrack the browser cannot decode is said on the page, and the show runs without sound', async () => {
+  test('a soundtrack the browser cannot decode is said on the page; the show runs without sound until Escape', async () => {
     const site = await serveSite(SITE, { 'harbour.mp3': Buffer.from('this is not an MP3 file\n'.repeat(64)) });
     const errors = [];
     const page = await openPage(browser, errors);
@@ -129,6 +138,9 @@ describe('bad content', () => {
     await page.locator('#start').click();
     await page.waitForFunction(() => window.kaskade.partCounts()[0].frames > 3, null, { timeout: 30000 });
     assert.equal(await page.evaluate(() => window.kaskade.state), 'playing');
+    await page.keyboard.press('Escape');
+    await waitForState(page, ['ended', 'failed'], 10000);
+    assert.equal(await page.evaluate(() => window.kaskade.state), 'ended');
     assert.deepEqual(errors, []);
     await page.close();
     site.close();

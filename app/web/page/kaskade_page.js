@@ -40,7 +40,7 @@
 
   // What the page knows, for tests and the curious: window.kaskade.
   const kaskade = {
-    state: 'loading',  // loading, ready, playing, paused, ended, failed
+    state: 'loading',  // loading, ready, starting, playing, paused, ended, failed
     soundtrack: '',    // 'decoded', or why not
     frames: {},        // grabbed frames by index: {width, height, rgba (rows bottom up)}
     pausedAt: -1,
@@ -247,29 +247,48 @@
   }
 
   function startOnGesture(event) {
+    // Keys the browser does not count as a gesture (it would keep the sound off) start nothing.
+    if (event.type === 'keydown' && ['Escape', 'Shift', 'Control', 'Alt', 'Meta'].includes(event.key)) {
+      return;
+    }
     event.preventDefault();
     start();
   }
 
-  function start() {
+  // The AudioContext, made within the gesture. False, and said on the page,
+  // when the browser gives no running output within a second.
+  async function openAudioOutput() {
+    try {
+      audio.context = new AudioContext({ sampleRate: SAMPLE_RATE });
+      await Promise.race([audio.context.resume(), new Promise((resolve) => setTimeout(resolve, 1000))]);
+    } catch (error) {
+      audio.context = null;
+    }
+    if (audio.context && audio.context.state === 'running') {
+      return true;
+    }
+    say('The browser gives no sound output: the show runs without sound.');
+    return false;
+  }
+
+  async function start() {
     if (kaskade.state !== 'ready') {
       return;
     }
+    kaskade.state = 'starting';
     document.removeEventListener('keydown', startOnGesture);
     stage.removeEventListener('mousedown', startOnGesture);
-    const withSound = decoded && !fixedFps;
-    if (withSound) {
-      audio.context = new AudioContext({ sampleRate: SAMPLE_RATE });
-      audio.context.resume();
-    } else {
+    cover.classList.add('hidden');
+    // On the fixed-step clock the decoded soundtrack gives the levels only.
+    const withSound = decoded && !fixedFps && await openAudioOutput();
+    if (!withSound) {
       audio.buffer = null;
     }
-    cover.classList.add('hidden');
     kaskade.state = 'playing';
     let result = 0;
     try {
       result = Module.ccall('kaskade_start', 'number', ['number', 'number', 'number'],
-                            [fixedFps, decoded ? 1 : 0, firstPart]);
+                            [fixedFps, (fixedFps ? decoded : withSound) ? 1 : 0, firstPart]);
     } catch (error) {
       // A fatal report during the start (it said why on the console).
       page.failed();
