@@ -3,8 +3,8 @@
 //
 // Flat shading: OpenGL 1.1 colours a flat polygon with its first vertex, a
 // quad with its fourth, a line with its second; a WebGL 2 flat varying takes
-// the last vertex of each triangle or line. So every triangle is sent with
-// the vertex OpenGL would take last, which keeps its winding.
+// the last vertex of each triangle or line. So each triangle is sent with the
+// vertex whose colour OpenGL would use last, an order that keeps its winding.
 #include "gl11/batch.h"
 #include "gl11/gl11_platform.h"
 #include "gl11/state.h"

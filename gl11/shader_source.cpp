@@ -43,8 +43,8 @@ std::string header() { return std::string("#version 300 es\nprecision highp floa
 
 // The source of the material's `property` ("materialAmbient", ...) in the key's colour-material mode.
 std::string materialTerm(const ProgramKey& key, GLenum property, const char* uniform) {
-    const bool tracked = key.colorMaterial == property ||
-                         (key.colorMaterial == GL_AMBIENT_AND_DIFFUSE && (property == GL_AMBIENT || property == GL_DIFFUSE));
+    const bool both = key.colorMaterial == GL_AMBIENT_AND_DIFFUSE && (property == GL_AMBIENT || property == GL_DIFFUSE);
+    const bool tracked = key.colorMaterial == property || both;
     return tracked ? "colour" : uniform;
 }
 
@@ -63,7 +63,8 @@ std::string lightTerm(const ProgramKey& key, int i) {
     }
     if (key.spotLights & (1u << i)) {
         code += "        float spot = dot(-L, lightSpot[" + n + "].xyz);\n"
-                "        attenuation *= spot >= lightSpot[" + n + "].w ? power(spot, lightAttenuation[" + n + "].w) : 0.0;\n";
+                "        float exponent = lightAttenuation[" + n + "].w;\n"
+                "        attenuation *= spot >= lightSpot[" + n + "].w ? power(spot, exponent) : 0.0;\n";
     }
     code += "        float nl = dot(n, L);\n"
             "        vec3 c = lightAmbient[" + n + "].rgb * ambientM.rgb;\n"

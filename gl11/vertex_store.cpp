@@ -94,7 +94,8 @@ GpuBatch makeGpuBatch() {
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, batch.indices);
     auto attribute = [](GLuint location, GLint size, GLenum type, GLboolean normalised, size_t offset) {
         glEnableVertexAttribArray(location);
-        glVertexAttribPointer(location, size, type, normalised, sizeof(BatchVertex), reinterpret_cast<const void*>(offset));
+        glVertexAttribPointer(location, size, type, normalised, sizeof(BatchVertex),
+                              reinterpret_cast<const void*>(offset));
     };
     attribute(ATTRIBUTE_POSITION, 3, GL_FLOAT, GL_FALSE, offsetof(BatchVertex, position));
     attribute(ATTRIBUTE_NORMAL, 3, GL_FLOAT, GL_FALSE, offsetof(BatchVertex, normal));

@@ -146,6 +146,17 @@ describe('bad content', () => {
     site.close();
   });
 
+  test("an archive cut short ends the show with the library's report on the page", async () => {
+    const archive = fs.readFileSync(path.join(SITE, '3d')).subarray(0, 300000);
+    const site = await serveSite(SITE, { '3d': archive });
+    const page = await openPage(browser, []);
+    await page.goto(`${site.url}?fps=${FPS}`);
+    await page.waitForFunction(() => window.kaskade.state === 'failed', null, { timeout: 60000 });
+    assert.match(await page.locator('#status').textContent(), /^KOBALT LIBRARY ERROR: File not found : /);
+    await page.close();
+    site.close();
+  });
+
   test('a missing archive is said on the page, and nothing starts', async () => {
     const site = await serveSite(SITE, { '3d': null });
     const page = await openPage(browser, []);
