@@ -6,6 +6,7 @@
 #include "app/sequencer.h"
 #include "app/shell.h"
 #include "app/show_start.h"
+#include "app/soundtrack_check.h"
 #include "app/web/page_bridge.h"
 #include "audio/fixed_step_clock.h"
 #include "audio/music.h"
@@ -93,6 +94,12 @@ extern "C" EMSCRIPTEN_KEEPALIVE int kaskade_start(int fps, int soundtrackDecoded
     }
     g_soundEnabled = soundtrackDecoded != 0 && fps == 0;
     openMusic(SOUNDTRACK_FILE);
+    const std::string warning =
+        shortSoundtrackWarning(SOUNDTRACK_FILE, fps != 0 ? fixedStepSongMillis() : soundtrackMillis());
+    if (!warning.empty()) {
+        std::printf("%s\n", warning.c_str());
+        pageSay(warning.c_str());
+    }
     if (!createContext()) {
         return 1;
     }

@@ -37,6 +37,7 @@ EM_JS(void, pageFrameGrabbed, (long index, const uint8_t* pixels, int width, int
 EM_JS(void, pagePaused, (long index), { Module.kaskadePage.paused(index); });
 EM_JS(void, pageEnded, (const char* line), { Module.kaskadePage.ended(UTF8ToString(line)); });
 EM_JS(void, pageFailed, (), { Module.kaskadePage.failed(); });
+EM_JS(void, pageStatus, (const char* line), { Module.kaskadePage.say(UTF8ToString(line)); });
 // clang-format on
 
 void grab(long index) {
@@ -72,6 +73,8 @@ void count(int32_t part) {
 void pageShowEnded(const char* line) { pageEnded(line); }
 
 void pageShowFailed() { pageFailed(); }
+
+void pageSay(const char* line) { pageStatus(line); }
 
 void grabFrameAt(long index) { g_grabFrames.insert(index); }
 

@@ -9,6 +9,8 @@
 void pageShowEnded(const char* line);
 // A fatal report ended the show; its text went to the console, the page shows it.
 void pageShowFailed();
+// A line for the page's status line (and only there).
+void pageSay(const char* line);
 
 // Frame `index` is to be read back and handed to the page
 // (window.kaskade.frames[index], RGBA rows bottom up). Frames count from 0 as

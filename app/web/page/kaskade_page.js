@@ -131,6 +131,7 @@
     failed() {
       fail(kaskade.messages.join('\n') || 'The show stopped.');
     },
+    say,
   };
 
   const Module = {
