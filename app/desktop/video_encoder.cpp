@@ -24,7 +24,7 @@ std::vector<std::string> videoCodec(const std::string& path) {
     if (endsWith(path, ".webm")) {
         return {"-c:v", "libvpx-vp9", "-deadline", "realtime", "-cpu-used", "8", "-crf", "24", "-b:v", "0"};
     }
-    return {"-c:v", "libx264", "-preset", "veryfast", "-crf", "18", "-pix_fmt", "yuv420p"};
+    return {"-c:v", "libx264", "-preset", "veryfast", "-crf", "16", "-pix_fmt", "yuv420p"};
 }
 
 std::vector<std::string> audioCodec(const std::string& path) {

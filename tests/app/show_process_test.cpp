@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <X11/Xlib.h>
+#include <X11/Xutil.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -388,6 +389,108 @@ TEST_F(ShowProcess, ALoopingShowGoesFromTheLastPartBackToTheFirstUntilEnded) {
     }
     EXPECT_GT(resident[0], 0);
     EXPECT_LE(resident[1], resident[0] * 105 / 100) << resident[0] << " KiB after the first pass";
+}
+
+// What the screen shows of a window: red, green, blue per pixel of the window
+// (width x height of them); pixels off the screen stay at 255, 0, 255.
+std::vector<uint8_t> windowPixels(const std::string& display, const std::string& id, int* width, int* height) {
+    std::vector<uint8_t> rgb;
+    Display* x = XOpenDisplay(display.c_str());
+    if (x == nullptr) {
+        return rgb;
+    }
+    const Window window = std::stoul(id);
+    const Window root = DefaultRootWindow(x);
+    XWindowAttributes attributes{};
+    XGetWindowAttributes(x, window, &attributes);
+    *width = attributes.width;
+    *height = attributes.height;
+    rgb.resize(static_cast<size_t>(*width) * *height * 3);
+    for (size_t i = 0; i < rgb.size(); i += 3) {
+        rgb[i] = 255;
+        rgb[i + 2] = 255;
+    }
+    // Read from the root window: the show's window may stand partly off the screen.
+    int left = 0;
+    int top = 0;
+    Window child = 0;
+    XTranslateCoordinates(x, window, root, 0, 0, &left, &top, &child);
+    const int x0 = std::max(left, 0);
+    const int y0 = std::max(top, 0);
+    const int x1 = std::min(left + *width, DisplayWidth(x, DefaultScreen(x)));
+    const int y1 = std::min(top + *height, DisplayHeight(x, DefaultScreen(x)));
+    if (x1 > x0 && y1 > y0) {
+        if (XImage* image = XGetImage(x, root, x0, y0, x1 - x0, y1 - y0, AllPlanes, ZPixmap)) {
+            for (int row = y0; row < y1; ++row) {
+                for (int column = x0; column < x1; ++column) {
+                    const unsigned long pixel = XGetPixel(image, column - x0, row - y0);
+                    uint8_t* out = &rgb[(static_cast<size_t>(row - top) * *width + (column - left)) * 3];
+                    out[0] = static_cast<uint8_t>(pixel >> 16);
+                    out[1] = static_cast<uint8_t>(pixel >> 8);
+                    out[2] = static_cast<uint8_t>(pixel);
+                }
+            }
+            XDestroyImage(image);
+        }
+    }
+    XCloseDisplay(x);
+    return rgb;
+}
+
+TEST_F(ShowProcess, AWideWindowHoldsTheFourThreePictureBetweenBlackBars) {
+    TestXServer server(1920, 1080);
+    ASSERT_TRUE(server.running());
+    // Part 2 lays large images over its frame; after 27 s the credits too.
+    start({"--size", "1920x1080", "--part", "2", "--nosound"}, server.display());
+    const std::string id = window(server.display());
+    ASSERT_FALSE(id.empty());
+    std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+    int width = 0;
+    int height = 0;
+    const std::vector<uint8_t> rgb = windowPixels(server.display(), id, &width, &height);
+    run("DISPLAY=" + server.display() + " xdotool key --window " + id + " Escape");
+    EXPECT_EQ(finish().status, 0);
+    ASSERT_EQ(width, 1920);
+    ASSERT_EQ(height, 1080);
+    // The picture is 1440 x 1080 from x = 240: nothing but black beside it.
+    long litInBars = 0;
+    long litInPicture = 0;
+    for (int row = 0; row < height; ++row) {
+        for (int column = 0; column < width; ++column) {
+            const uint8_t* p = &rgb[(static_cast<size_t>(row) * width + column) * 3];
+            if (p[0] == 255 && p[1] == 0 && p[2] == 255) {
+                continue;  // off the screen
+            }
+            const bool lit = p[0] + p[1] + p[2] > 0;
+            (column < 240 || column >= 1680 ? litInBars : litInPicture) += lit ? 1 : 0;
+        }
+    }
+    EXPECT_EQ(litInBars, 0);
+    EXPECT_GT(litInPicture, 1440L * 1080 * 9 / 10);
+}
+
+TEST_F(ShowProcess, DesktopIsFullscreenAtTheDisplaysOwnSizeWithoutASwitch) {
+    TestXServer server(1024, 768);
+    ASSERT_TRUE(server.running());
+    ASSERT_TRUE(server.addMode(640, 480));  // a switch would be possible
+    start({"--desktop", "--nosound"}, server.display());
+    const std::string id = window(server.display());
+    ASSERT_FALSE(id.empty());
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    EXPECT_NE(run("DISPLAY=" + server.display() + " xdotool getwindowgeometry " + id).find("Geometry: 1024x768"),
+              std::string::npos);
+    EXPECT_EQ(server.currentSize(), "1024x768");
+    run("DISPLAY=" + server.display() + " xdotool key --window " + id + " Escape");
+    EXPECT_EQ(finish().status, 0);
+    EXPECT_EQ(server.currentSize(), "1024x768");
+}
+
+TEST_F(ShowProcess, MultisamplingTheDisplayDoesNotOfferIsRefused) {
+    start({"--aa", "64", "--nosound"});
+    const ShowResult result = finish();
+    EXPECT_EQ(result.status, 1);
+    EXPECT_NE(result.err.find("the display offers no 64-sample multisampling (it offers: "), std::string::npos)
+        << result.err;
 }
 
 TEST_F(ShowProcess, NoSoundRunsWithoutASoundtrack) {

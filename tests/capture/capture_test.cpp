@@ -3,6 +3,7 @@
 // the per-part log, and a clear refusal when ffmpeg is missing.
 #include "app/desktop/png_file.h"
 #include "tests/audio/test_sounds.h"
+#include "tests/capture/show_runs.h"
 #include "tests/support/fatal_catcher.h"
 
 #include <gtest/gtest.h>
@@ -20,25 +21,6 @@
 
 namespace {
 
-constexpr float PART_END_TIMES[13] = {210, 335, 395, 534, 658, 770, 960, 1127, 1307, 1498, 1758, 1925, 2269};
-
-std::string readFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-std::string quoted(const std::string& text) { return "'" + text + "'"; }
-
-// Runs kaskade in the show's content directory; returns its exit status.
-int runShow(const std::string& arguments, const std::string& errPath, const std::string& environment = "") {
-    const std::string command = "cd " + quoted(KASKADE_SHOW_DIR) + " && " + environment + " " + quoted(KASKADE_PROGRAM) +
-                                " " + arguments + " > /dev/null 2> " + quoted(errPath);
-    const int status = std::system(command.c_str());
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
 std::vector<std::string> listFiles(const std::string& directory) {
     std::vector<std::string> names;
     if (DIR* dir = opendir(directory.c_str())) {
@@ -53,19 +35,7 @@ std::vector<std::string> listFiles(const std::string& directory) {
     return names;
 }
 
-class Capture : public ::testing::Test {
-protected:
-    void SetUp() override {
-        if (std::getenv("DISPLAY") == nullptr) {
-            GTEST_SKIP() << "needs an X display (the suite runs under xvfb-run)";
-        }
-        if (access((std::string(KASKADE_SHOW_DIR) + "/3d").c_str(), R_OK) != 0) {
-            GTEST_SKIP() << "the show's content is not built in " << KASKADE_SHOW_DIR;
-        }
-        dir_ = makeTempDir();
-    }
-    std::string dir_;
-};
+using Capture = ShowRun;
 
 TEST_F(Capture, TwoCapturesOfTheShowGiveByteIdenticalFrames) {
     // Four frames a second keep the whole show short; every frame is compared.
@@ -89,29 +59,11 @@ TEST_F(Capture, TheWholeShowAsAVideoWithItsSoundtrackAndOneSetUpPerPart) {
     ASSERT_EQ(runShow("--capture " + quoted(video) + " --verbose", log), 0) << readFile(log);
 
     // 226.9 s at 30 frames/s, with both streams cut to the show's length.
-    std::map<std::string, std::string> probe;
-    FILE* pipe = popen(("ffprobe -v error -count_frames -show_entries stream=codec_type,nb_read_frames "
-                        "-show_entries format=duration -of default=noprint_wrappers=1 " + quoted(video)).c_str(), "r");
-    ASSERT_NE(pipe, nullptr);
-    char line[256];
-    std::string types;
-    while (std::fgets(line, sizeof line, pipe) != nullptr) {
-        std::string text(line);
-        const size_t equals = text.find('=');
-        const std::string key = text.substr(0, equals);
-        const std::string value = text.substr(equals + 1, text.find('\n') - equals - 1);
-        if (key == "codec_type") {
-            types += value + " ";
-        } else if (key == "nb_read_frames" && value != "N/A" && probe.count("frames") == 0) {
-            probe["frames"] = value;
-        } else {
-            probe[key] = value;
-        }
-    }
-    pclose(pipe);
-    EXPECT_EQ(types, "video audio ");
-    EXPECT_NEAR(std::stod(probe["frames"]), 6808, 4);
-    EXPECT_NEAR(std::stod(probe["duration"]), 226.9, 0.2);
+    std::map<std::string, double> probe = probeVideo(video);
+    EXPECT_EQ(probe.count("audio duration"), 1u) << "no audio stream";
+    EXPECT_NEAR(probe["video frames"], 6808, 4);
+    EXPECT_NEAR(probe["video duration"], 226.9, 0.2);
+    EXPECT_NEAR(probe["audio duration"], probe["video duration"], 1.0 / 30.0);
 
     // Every part is set up once, in order, on the frame after the one in which
     // its predecessor's end time was first exceeded.
@@ -140,37 +92,6 @@ TEST_F(Capture, TheWholeShowAsAVideoWithItsSoundtrackAndOneSetUpPerPart) {
         }
     }
     EXPECT_EQ(nextPart, 14);
-}
-
-// Starts kaskade in the show's content directory with `arguments`, its output
-// thrown away; returns its process id.
-pid_t startShow(const std::vector<std::string>& arguments) {
-    const pid_t pid = fork();
-    if (pid == 0) {
-        std::vector<char*> argv{const_cast<char*>(KASKADE_PROGRAM)};
-        for (const std::string& argument : arguments) {
-            argv.push_back(const_cast<char*>(argument.c_str()));
-        }
-        argv.push_back(nullptr);
-        if (chdir(KASKADE_SHOW_DIR) == 0 && freopen("/dev/null", "w", stdout) && freopen("/dev/null", "w", stderr)) {
-            execv(KASKADE_PROGRAM, argv.data());
-        }
-        _exit(126);
-    }
-    return pid;
-}
-
-// The exit status, or -1 when a signal ended the process.
-int waitForShow(pid_t pid) {
-    int status = 0;
-    waitpid(pid, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
-std::string frameName(int frame) {
-    char name[32];
-    std::snprintf(name, sizeof name, "/frame_%05d.png", frame);
-    return name;
 }
 
 // What the show draws, kept: the middle frame of every part at 4 frames/s,
@@ -208,39 +129,12 @@ TEST_F(Capture, EveryPartDrawsItsReferenceFramePlayedToOrStartedAt) {
         // Frame j shows 2.5 j: part - 1's last frame is the first above its end time.
         const int first = static_cast<int>(start / 2.5f) + 2;
         const std::string started = dir_ + "/part" + std::to_string(part);
-        const pid_t pid = startShow({"--part", std::to_string(part), "--fps", "4", "--capture", started});
-        // Once the frame after the middle one is there, the middle one is complete.
-        const std::string after = started + frameName(middle - first + 1);
-        for (int waited = 0; waited < 60000 && access(after.c_str(), F_OK) != 0; waited += 20) {
-            usleep(20000);
-        }
-        kill(pid, SIGINT);
-        EXPECT_EQ(waitForShow(pid), 130);
+        EXPECT_EQ(captureUntil({"--part", std::to_string(part), "--fps", "4"}, started, middle - first), 130);
         EXPECT_EQ(readFile(started + frameName(0)), readFile(dir_ + "/frames" + frameName(first)))
             << "first frame, frame " << first << " of the whole show";
         EXPECT_EQ(readFile(started + frameName(middle - first)), readFile(dir_ + "/frames" + frameName(middle)))
             << "middle frame";
     }
-}
-
-// Every stream's duration and the video's frame count, from ffprobe.
-std::map<std::string, double> probeVideo(const std::string& video) {
-    std::map<std::string, double> probe;
-    FILE* pipe = popen(("ffprobe -v error -count_frames -show_entries stream=codec_type,duration,nb_read_frames "
-                        "-of csv=p=0 " + quoted(video)).c_str(), "r");
-    char type[16];
-    double duration = 0;
-    double frames = 0;
-    while (pipe != nullptr && std::fscanf(pipe, " %15[a-z],%lf,%lf", type, &duration, &frames) >= 2) {
-        probe[std::string(type) + " duration"] = duration;
-        if (std::string(type) == "video") {
-            probe["video frames"] = frames;
-        }
-    }
-    if (pipe != nullptr) {
-        pclose(pipe);
-    }
-    return probe;
 }
 
 TEST_F(Capture, CtrlCEndsAVideoCaptureWithAPlayableVideoOfTheFramesCaptured) {

@@ -19,6 +19,10 @@ TestXServer::TestXServer(int width, int height) {
     pid_ = fork();
     if (pid_ == 0) {
         close(ends[0]);
+        // Its notes on display numbers already taken are no test's output.
+        if (freopen("/dev/null", "w", stderr) == nullptr) {
+            _exit(127);
+        }
         const std::string fd = std::to_string(ends[1]);
         execlp("Xvfb", "Xvfb", "-displayfd", fd.c_str(), "-screen", "0", screen.c_str(), "-noreset", "-nolisten",
                "tcp", static_cast<char*>(nullptr));
