@@ -8,13 +8,13 @@
 #include "audio/fixed_step_clock.h"
 #include "parts/part_state.h"
 #include "tests/resources/gl_test_window.h"
+#include "tests/support/resident_memory.h"
 
 #include <GL/freeglut.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <cstdio>
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -25,18 +25,6 @@ int g_pass = 0;
 std::vector<uint64_t> g_frames[PASSES + 1];  // a hash of every frame, by pass
 long g_residentKiB[PASSES + 1] = {};
 void (*g_startOver)() = nullptr;              // the desktop's own
-
-long residentKiB() {
-    std::ifstream status("/proc/self/status");
-    std::string word;
-    long kib = 0;
-    while (status >> word) {
-        if (word == "VmRSS:") {
-            status >> kib;
-        }
-    }
-    return kib;
-}
 
 void passEnds() {
     g_residentKiB[g_pass] = residentKiB();

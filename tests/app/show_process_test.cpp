@@ -3,6 +3,7 @@
 // failures before any window, each seen from outside the process.
 #include "audio/pcm_decoder.h"
 #include "tests/audio/test_sounds.h"
+#include "tests/support/resident_memory.h"
 #include "tests/support/test_x_server.h"
 
 #include <gtest/gtest.h>
@@ -350,18 +351,6 @@ TEST_F(ShowProcess, StartingAtTheLastPartPlaysItFromItsPlaceInTheShow) {
     EXPECT_TRUE(std::equal(heard.begin() + static_cast<long>(first), heard.begin() + static_cast<long>(first + compared),
                            song.samples.begin() + static_cast<long>(at)))
         << "the music did not start 192.5 s into the song";
-}
-
-long residentKiB(pid_t pid) {
-    std::ifstream status("/proc/" + std::to_string(pid) + "/status");
-    std::string word;
-    long kib = 0;
-    while (status >> word) {
-        if (word == "VmRSS:") {
-            status >> kib;
-        }
-    }
-    return kib;
 }
 
 TEST_F(ShowProcess, ALoopingShowGoesFromTheLastPartBackToTheFirstUntilEnded) {
