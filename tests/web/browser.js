@@ -54,6 +54,8 @@ async function launchBrowser(extraArgs = []) {
 // A page of `browser` whose console errors and page errors land in `errors`.
 async function openPage(browser, errors) {
   const page = await browser.newPage({ viewport: { width: 760, height: 600 } });
+  // Two cores shared with builds: loading the page can take longer than Playwright's 30 s.
+  page.setDefaultNavigationTimeout(120000);
   page.on('console', (message) => {
     if (message.type() === 'error') {
       errors.push(message.text());
