@@ -23,7 +23,7 @@
 namespace {
 
 constexpr int PNG_LEVEL = 1;   // fast: frames are many, disk is cheap
-constexpr int WRITER_SLOTS = 3;
+constexpr int WRITER_SLOTS = 4;
 constexpr int PREVIEW_EVERY = 15;  // frames between two looks at the capture in the window
 
 struct Capture {
@@ -138,7 +138,9 @@ bool startCapture(const CaptureSettings& settings, std::string* error) {
     g_capture = Capture{};
     g_capture.settings = settings;
     g_capture.video = isVideoPath(settings.path);
-    if (!checkCapture(settings.path, error) || !drawOffscreen(settings.width, settings.height, settings.samples, error)) {
+    // PNG frames keep the opaque pixels a window gives; a video ignores alpha.
+    if (!checkCapture(settings.path, error) ||
+        !drawOffscreen(settings.width, settings.height, settings.samples, !g_capture.video, error)) {
         return false;
     }
     FrameWriter::Write write = writePngFrame;

@@ -1,6 +1,7 @@
 // The desktop's end of the show: the screen, the sound and a running capture
 // are given back before the frame rate is printed and the process ends, with
-// status 0, or 128 + the signal that ended the show.
+// status 0, 128 + the signal that ended the show, or 1 when a capture could not
+// be completed.
 #include "app/desktop/capture.h"
 #include "app/desktop/display_mode.h"
 #include "app/desktop/signals.h"

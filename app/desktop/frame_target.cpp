@@ -122,14 +122,17 @@ void fitToWindow(int width, int height) {
     applyFit();
 }
 
-bool drawOffscreen(int width, int height, int samples, std::string* error) {
+bool drawOffscreen(int width, int height, int samples, bool opaque, std::string* error) {
     g_target.width = width;
     g_target.height = height;
     Offscreen& o = g_target.buffers;
     o.samples = samples;
     glGenFramebuffers(1, &o.frames);
     glBindFramebuffer(GL_FRAMEBUFFER, o.frames);
-    o.colour = makeRenderbuffer(GL_RGB8, samples);
+    // Without alpha every pixel reads back opaque, as a window's do; with it
+    // the read-back is faster (the show never blends with the frame's alpha).
+    const GLenum format = opaque ? GL_RGB8 : GL_RGBA8;
+    o.colour = makeRenderbuffer(format, samples);
     glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, o.colour);
     o.depth = makeRenderbuffer(GL_DEPTH_COMPONENT24, samples);
     glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_RENDERBUFFER, o.depth);
@@ -147,7 +150,7 @@ bool drawOffscreen(int width, int height, int samples, std::string* error) {
     if (complete && samples > 1) {
         glGenFramebuffers(1, &o.resolved);
         glBindFramebuffer(GL_FRAMEBUFFER, o.resolved);
-        o.resolvedColour = makeRenderbuffer(GL_RGB8, 0);
+        o.resolvedColour = makeRenderbuffer(format, 0);
         glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, o.resolvedColour);
         complete = glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;
         glBindFramebuffer(GL_FRAMEBUFFER, o.frames);

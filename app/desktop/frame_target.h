@@ -29,9 +29,10 @@ PictureRect pictureRect(int frameWidth, int frameHeight);
 void fitToWindow(int width, int height);
 
 // From now on frames are drawn into a framebuffer of width x height pixels
-// with `samples` samples per pixel (0 or 1: none). False and `error` when the
-// GL cannot make it.
-bool drawOffscreen(int width, int height, int samples, std::string* error);
+// with `samples` samples per pixel (0 or 1: none); `opaque`: its pixels read
+// back with alpha 255, else with whatever alpha the drawing left. False and
+// `error` when the GL cannot make it.
+bool drawOffscreen(int width, int height, int samples, bool opaque, std::string* error);
 
 // Sets the viewport, scissor and line width for the current target again,
 // after something (the looping show's return to its start state) reset them.
@@ -42,7 +43,7 @@ void prepareFrame();
 
 // The finished frame (before it is shown) into `pixels`: frameWidth() x
 // frameHeight() packed pixels of 4 bytes, top row first: blue, green, red,
-// 255 with `bgra`, else red, green, blue, 255.
+// alpha with `bgra`, else red, green, blue, alpha.
 void readFrame(uint8_t* pixels, bool bgra);
 
 // Offscreen: shows the finished frame in the window, scaled to it.

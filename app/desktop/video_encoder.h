@@ -1,5 +1,5 @@
-// The video a capture makes: ffmpeg encodes, in one pass, the frames (raw BGRA
-// on its standard input, top row first) and the soundtrack of the same stretch
+// The video a capture makes: ffmpeg encodes, in one pass, the frames (raw
+// blue, green, red, unused bytes on its standard input, top row first) and the soundtrack of the same stretch
 // of the show (raw 16-bit stereo PCM at 44,100 Hz on descriptor 3). A thread
 // of its own feeds the soundtrack from the capture's first frame on, looping
 // as the show's music does, ahead of the frames; the video ends with the last
