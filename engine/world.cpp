@@ -136,6 +136,12 @@ static float wrapFrame(float time, float end) {
 void World::setFrame(float time) {
     const float start = static_cast<float>(segment->startFrame);
     const float end = static_cast<float>(segment->endFrame);
+    // No number, or infinitely far along a loop, has no place in the segment:
+    // its start, so that callers may turn the frame into an integer.
+    if (std::isnan(time) || (segment->loop == 1 && std::isinf(time))) {
+        currentFrame = start;
+        return;
+    }
     if (segment->loop == 0 && time >= end) {
         time = end;
     }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "tests/engine/scene_bytes.h"
 
@@ -113,14 +114,19 @@ TEST(Tracks, SetFrameWrapsAsRepeatedSubtractionAndClampsAtTheEnd) {
     // start, end and loop of the segment, the time given, the frame set. A whole
     // multiple of the end stays at the end, however far out (1e30f is
     // 1000000015047466219876688855040, 40 past a multiple of 100); a held
-    // segment stops at its end, not a frame later.
+    // segment stops at its end, not a frame later. A time that is no number, or
+    // infinitely far along a loop, gives the start: never a NaN frame.
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const float inf = std::numeric_limits<float>::infinity();
     const float cases[][5] = {{0, 0, 1, 75, 75},  // end frame 0: nothing to wrap by
                               {0, 100, 1, 250, 50}, {0, 100, 1, 100, 100}, {0, 100, 1, 100.5f, 0.5f},
                               {0, 100, 1, 200, 100}, {0, 100, 1, 409700, 100}, {0, 100, 1, 1e6f, 100},
                               {0, 100, 1, 409750, 50}, {0, 100, 1, 1e30f, 40},  {0, 100, 1, -5, 0},
                               {20, 100, 1, 130, 30},  {20, 100, 1, 110, 20},   {20, 100, 1, 300, 100},
                               {20, 100, 0, 150, 100}, {0, 100, 0, 100, 100},   {0, 100, 0, 99.5f, 99.5f},
-                              {0, 100, 0, 100.5f, 100}};
+                              {0, 100, 0, 100.5f, 100}, {0, 100, 1, nan, 0},   {20, 100, 0, nan, 20},
+                              {20, 100, 1, inf, 20},    {20, 100, 1, -inf, 20}, {20, 100, 0, inf, 100},
+                              {20, 0, 1, inf, 20}};
     World world;
     for (const auto& [start, end, loop, time, frame] : cases) {
         *world.segment = {static_cast<int32_t>(start), static_cast<int32_t>(end), static_cast<uint8_t>(loop)};
