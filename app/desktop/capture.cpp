@@ -104,8 +104,10 @@ void printProgress(float demoTime, bool force) {
 }  // namespace
 
 bool isVideoPath(const std::string& path) {
-    return suffix(path, 4) == ".mp4" || suffix(path, 4) == ".mkv" || suffix(path, 5) == ".webm";
+    return suffix(path, 4) == ".mp4" || suffix(path, 4) == ".mkv" || isWebmPath(path);
 }
+
+bool isWebmPath(const std::string& path) { return suffix(path, 5) == ".webm"; }
 
 std::string findProgram(const std::string& name) {
     const char* path = std::getenv("PATH");
@@ -145,8 +147,8 @@ bool startCapture(const CaptureSettings& settings, std::string* error) {
     }
     FrameWriter::Write write = writePngFrame;
     if (g_capture.video) {
-        const VideoSettings video{settings.path, settings.width,      settings.height,
-                                  settings.fps,  settings.soundtrack, settings.firstFrame};
+        const VideoSettings video{settings.path, settings.width,      settings.height,   settings.fps,
+                                  settings.soundtrack, settings.firstFrame, settings.crf};
         if (!startVideoEncoder(g_capture.encoder, findProgram("ffmpeg"), video, error)) {
             return false;
         }

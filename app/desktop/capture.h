@@ -17,6 +17,7 @@ struct CaptureSettings {
     int samples = 0;                        // per pixel; 0 or 1: no multisampling
     const DecodedAudio* soundtrack = nullptr;  // null: a silent video
     long firstFrame = 0;                    // the show's frame number of the capture's frame 0
+    int crf = -1;                           // a video's constant rate factor; -1: the encoder's default
 };
 
 // Whether the capture can be made at all (a video needs ffmpeg, frames a
@@ -39,6 +40,8 @@ bool finishCapture();
 
 // True when `path` names a video container the capture encodes.
 bool isVideoPath(const std::string& path);
+// True for a WebM video (VP9, whose rate factor runs to 63 rather than 51).
+bool isWebmPath(const std::string& path);
 
 // The first executable called `name` on PATH, or "".
 std::string findProgram(const std::string& name);

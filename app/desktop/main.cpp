@@ -87,6 +87,7 @@ void chooseFrameTarget(const ShowOptions& options) {
         capture.samples = options.samples;
         capture.soundtrack = options.noSound ? nullptr : fixedStepSoundtrack();
         capture.firstFrame = firstTickOfPart(options.part, options.fps);
+        capture.crf = options.crf;
         std::string error;
         if (!startCapture(capture, &error)) {
             refuse(error);

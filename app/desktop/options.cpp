@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <optional>
 
 #include "app/desktop/capture.h"
 #include "app/shell.h"
@@ -33,12 +34,18 @@ const char* optionValue(int argc, char** argv, int* i, const char* name, bool* m
     return argv[*i];
 }
 
-// A whole number from `low` to `high`, or 0.
-int parseWhole(const char* text, long low, long high) {
+// A whole number from `low` to `high`, or nothing.
+std::optional<int> wholeNumber(const char* text, long low, long high) {
     char* end = nullptr;
     const long value = std::strtol(text, &end, 10);
-    return end != text && *end == '\0' && value >= low && value <= high ? static_cast<int>(value) : 0;
+    if (end == text || *end != '\0' || value < low || value > high) {
+        return std::nullopt;
+    }
+    return static_cast<int>(value);
 }
+
+// A whole number from `low` (at least 1) to `high`, or 0.
+int parseWhole(const char* text, long low, long high) { return wholeNumber(text, low, high).value_or(0); }
 
 // "WIDTHxHEIGHT", each from MIN_FRAME_SIZE to MAX_FRAME_SIZE.
 bool parseSize(const char* text, int* width, int* height) {
@@ -66,6 +73,12 @@ std::string conflict(const ShowOptions& options) {
     }
     if (isVideoPath(options.capturePath) && (options.width % 2 != 0 || options.height % 2 != 0)) {
         return "a video needs an even width and height (--size)";
+    }
+    if (options.crf >= 0 && !isVideoPath(options.capturePath)) {
+        return "--crf sets a video's quality: it needs --capture with a .mp4, .mkv or .webm path";
+    }
+    if (options.crf > MAX_CRF_H264 && !isWebmPath(options.capturePath)) {
+        return "--crf for an H.264 video (.mp4, .mkv) goes from 0 to 51";
     }
     return "";
 }
@@ -111,6 +124,11 @@ ShowOptions parseShowOptions(int argc, char** argv) {
             if (options.samples == 0) {
                 options.error = "--aa needs a number of samples per pixel from 1 to 64, e.g. 4";
             }
+        } else if (const char* crf = optionValue(argc, argv, &i, "--crf", &missing)) {
+            options.crf = wholeNumber(crf, 0, MAX_CRF_VP9).value_or(-1);
+            if (options.crf < 0) {
+                options.error = "--crf needs a constant rate factor from 0 to 51 (63 for .webm), e.g. 23";
+            }
         }
         if (missing) {
             options.error = std::string(argument) + " needs a value";
@@ -127,7 +145,8 @@ ShowOptions parseShowOptions(int argc, char** argv) {
 
 const char* showUsage() {
     return "usage: kaskade [--window] [--desktop] [--size WxH] [--aa N] [--nosound]\n"
-           "               [--fps N] [--capture PATH] [--part N] [--loop] [--verbose]\n"
+           "               [--fps N] [--capture PATH] [--crf N] [--part N] [--loop]\n"
+           "               [--verbose]\n"
            "               [--help] [--version]\n"
            "\n"
            "Plays the show from the archive \"3d\" and the soundtrack \"harbour.mp3\" in the\n"
@@ -146,6 +165,8 @@ const char* showUsage() {
            "                  video with the soundtrack (needs ffmpeg), anything else a\n"
            "                  directory of frame_00000.png ... (implies --fps 30), at\n"
            "                  --size (640x480 unless given) and --aa\n"
+           "  --crf N         a captured video's quality: lower is sharper and larger\n"
+           "                  (0 to 51, or 63 for .webm; 17 unless given, 24 for .webm)\n"
            "  --part N        start at part N (1 to 13), the music and the clock at its\n"
            "                  place in the show, as if parts 1 to N-1 had played\n"
            "  --loop          after the last part, start over at part 1 until ended\n"

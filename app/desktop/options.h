@@ -18,6 +18,7 @@ struct ShowOptions {
     bool desktop = false;     // --desktop: fullscreen at the display's own size, no mode switch
     int samples = 0;          // --aa N: N samples per pixel (0: the window's default, none)
     bool loop = false;        // --loop: after the last part the show starts over at part 1
+    int crf = -1;             // --crf N: a video capture's constant rate factor (-1: the encoder's default)
     std::string error;        // a known option with a bad value; the show does not start
 };
 
@@ -26,6 +27,8 @@ constexpr int MIN_FRAME_SIZE = 64;     // pixels, each side of --size
 constexpr int MAX_FRAME_SIZE = 8192;
 constexpr int MAX_SAMPLES = 64;
 constexpr int CAPTURE_DEFAULT_FPS = 30;
+constexpr int MAX_CRF_H264 = 51;  // x264's scale; VP9's runs to 63
+constexpr int MAX_CRF_VP9 = 63;
 
 ShowOptions parseShowOptions(int argc, char** argv);
 

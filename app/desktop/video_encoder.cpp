@@ -22,12 +22,14 @@ bool hasSound(const VideoSettings& video) { return video.sound != nullptr && vid
 // colours without visible loss (SSIM 0.991 against the drawn frames in the same
 // 4:2:0 sampling) at a fifth less than ultrafast needs for it, and at half the
 // encoding work of veryfast (bench/encoder-settings); VP9 in its real-time mode
-// for WebM.
-std::vector<std::string> videoCodec(const std::string& path) {
+// for WebM. A rate factor the user gives replaces the default only.
+std::vector<std::string> videoCodec(const std::string& path, int crf) {
     if (endsWith(path, ".webm")) {
-        return {"-c:v", "libvpx-vp9", "-deadline", "realtime", "-cpu-used", "8", "-crf", "24", "-b:v", "0"};
+        const std::string factor = std::to_string(crf >= 0 ? crf : 24);
+        return {"-c:v", "libvpx-vp9", "-deadline", "realtime", "-cpu-used", "8", "-crf", factor, "-b:v", "0"};
     }
-    return {"-c:v", "libx264", "-preset", "superfast", "-crf", "17", "-pix_fmt", "yuv420p"};
+    const std::string factor = std::to_string(crf >= 0 ? crf : 17);
+    return {"-c:v", "libx264", "-preset", "superfast", "-crf", factor, "-pix_fmt", "yuv420p"};
 }
 
 std::vector<std::string> audioCodec(const std::string& path) {
@@ -64,7 +66,7 @@ std::vector<std::string> encoderCommand(const std::string& ffmpeg, const VideoSe
         append(command, {"-f", "s16le", "-ar", "44100", "-ac", "2", "-thread_queue_size", "64", "-i", "pipe:3"});
     }
     append(command, {"-map", "0:v"});
-    append(command, videoCodec(video.path));
+    append(command, videoCodec(video.path, video.crf));
     if (hasSound(video)) {
         append(command, {"-map", "1:a"});
         append(command, audioCodec(video.path));

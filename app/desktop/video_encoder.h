@@ -22,6 +22,7 @@ struct VideoSettings {
     int fps = 30;
     const DecodedAudio* sound = nullptr;  // null or empty: a silent video
     long firstFrame = 0;                   // the show's frame at the capture's frame 0
+    int crf = -1;                          // constant rate factor; -1: the codec's default below
 };
 
 struct VideoEncoder {

@@ -52,4 +52,19 @@ TEST(ShowOptions, BadValuesAreRefused) {
     EXPECT_FALSE(parse({"--capture"}).error.empty());
 }
 
+TEST(ShowOptions, CrfSetsAVideoCapturesQualityAndNothingElse) {
+    EXPECT_EQ(parse({"--capture", "x.mp4"}).crf, -1) << "the encoder's own default";
+    EXPECT_EQ(parse({"--capture", "x.mp4", "--crf", "0"}).crf, 0);
+    EXPECT_EQ(parse({"--crf=51", "--capture", "x.mkv"}).crf, 51);
+    EXPECT_EQ(parse({"--capture", "x.webm", "--crf", "63"}).crf, 63);
+    EXPECT_TRUE(parse({"--capture", "x.webm", "--crf", "63"}).error.empty());
+    for (const char* value : {"-1", "64", "x", "17.5", ""}) {
+        EXPECT_FALSE(parse({"--capture", "x.webm", "--crf", value}).error.empty()) << value;
+    }
+    EXPECT_FALSE(parse({"--capture", "x.mp4", "--crf", "52"}).error.empty()) << "H.264 stops at 51";
+    EXPECT_FALSE(parse({"--capture", "frames", "--crf", "20"}).error.empty()) << "PNG frames have no rate factor";
+    EXPECT_FALSE(parse({"--crf", "20"}).error.empty()) << "nothing is encoded without a capture";
+    EXPECT_FALSE(parse({"--capture", "x.mp4", "--crf"}).error.empty());
+}
+
 }  // namespace

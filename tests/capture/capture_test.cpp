@@ -153,6 +153,23 @@ TEST_F(Capture, CtrlCEndsAVideoCaptureWithAPlayableVideoOfTheFramesCaptured) {
     EXPECT_NEAR(probe.at("audio duration"), frames / 30.0, 1.0 / 30.0);
 }
 
+TEST_F(Capture, TheRateFactorTradesTheVideosBytesForSharpness) {
+    std::map<int, double> bytes;
+    for (const int crf : {12, 34}) {
+        const std::string video = dir_ + "/crf" + std::to_string(crf) + ".mp4";
+        const std::string log = video + ".log";
+        ASSERT_EQ(runShow("--part 13 --fps 4 --nosound --crf " + std::to_string(crf) + " --capture " + quoted(video),
+                          log),
+                  0)
+            << readFile(log);
+        const std::map<std::string, double> probe = probeVideo(video);
+        ASSERT_EQ(probe.count("video frames"), 1u) << "no video stream at crf " << crf;
+        EXPECT_NEAR(probe.at("video frames"), (PART_END_TIMES[12] - PART_END_TIMES[11]) * 0.4, 1.0) << crf;
+        bytes[crf] = static_cast<double>(readFile(video).size());
+    }
+    EXPECT_LT(bytes[34] * 3.0, bytes[12]) << "crf 34: " << bytes[34] << " bytes, crf 12: " << bytes[12];
+}
+
 TEST_F(Capture, AVideoWithoutFfmpegIsRefusedBeforeTheShowStarts) {
     const std::string log = dir_ + "/refused.log";
     EXPECT_EQ(runShow("--capture " + quoted(dir_ + "/show.mkv"), log, "PATH=/nonexistent"), 1);
