@@ -147,7 +147,7 @@ bool startCapture(const CaptureSettings& settings, std::string* error) {
     }
     FrameWriter::Write write = writePngFrame;
     if (g_capture.video) {
-        const VideoSettings video{settings.path, settings.width,      settings.height,   settings.fps,
+        const VideoSettings video{settings.path,       settings.width,      settings.height, settings.fps,
                                   settings.soundtrack, settings.firstFrame, settings.crf};
         if (!startVideoEncoder(g_capture.encoder, findProgram("ffmpeg"), video, error)) {
             return false;

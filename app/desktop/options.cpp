@@ -146,8 +146,7 @@ ShowOptions parseShowOptions(int argc, char** argv) {
 const char* showUsage() {
     return "usage: kaskade [--window] [--desktop] [--size WxH] [--aa N] [--nosound]\n"
            "               [--fps N] [--capture PATH] [--crf N] [--part N] [--loop]\n"
-           "               [--verbose]\n"
-           "               [--help] [--version]\n"
+           "               [--verbose] [--help] [--version]\n"
            "\n"
            "Plays the show from the archive \"3d\" and the soundtrack \"harbour.mp3\" in the\n"
            "working directory. Without arguments it runs fullscreen; any argument gives a\n"
