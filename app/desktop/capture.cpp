@@ -39,10 +39,6 @@ struct Capture {
 };
 Capture g_capture;
 
-std::string suffix(const std::string& text, size_t count) {
-    return text.size() >= count ? text.substr(text.size() - count) : "";
-}
-
 bool makeDirectories(const std::string& path) {
     std::string partial;
     std::stringstream parts(path);
@@ -102,12 +98,6 @@ void printProgress(float demoTime, bool force) {
 }
 
 }  // namespace
-
-bool isVideoPath(const std::string& path) {
-    return suffix(path, 4) == ".mp4" || suffix(path, 4) == ".mkv" || isWebmPath(path);
-}
-
-bool isWebmPath(const std::string& path) { return suffix(path, 5) == ".webm"; }
 
 std::string findProgram(const std::string& name) {
     const char* path = std::getenv("PATH");

@@ -38,10 +38,5 @@ void captureFrame(float demoTime);
 // on standard error when that fails.
 bool finishCapture();
 
-// True when `path` names a video container the capture encodes.
-bool isVideoPath(const std::string& path);
-// True for a WebM video (VP9, whose rate factor runs to 63 rather than 51).
-bool isWebmPath(const std::string& path);
-
 // The first executable called `name` on PATH, or "".
 std::string findProgram(const std::string& name);

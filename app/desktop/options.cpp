@@ -4,7 +4,7 @@
 #include <cstring>
 #include <optional>
 
-#include "app/desktop/capture.h"
+#include "app/desktop/video_encoder.h"
 #include "app/shell.h"
 #include "parts/part_schedule.h"
 

@@ -24,7 +24,7 @@ bool hasSound(const VideoSettings& video) { return video.sound != nullptr && vid
 // encoding work of veryfast (bench/encoder-settings); VP9 in its real-time mode
 // for WebM. A rate factor the user gives replaces the default only.
 std::vector<std::string> videoCodec(const std::string& path, int crf) {
-    if (endsWith(path, ".webm")) {
+    if (isWebmPath(path)) {
         const std::string factor = std::to_string(crf >= 0 ? crf : 24);
         return {"-c:v", "libvpx-vp9", "-deadline", "realtime", "-cpu-used", "8", "-crf", factor, "-b:v", "0"};
     }
@@ -33,7 +33,7 @@ std::vector<std::string> videoCodec(const std::string& path, int crf) {
 }
 
 std::vector<std::string> audioCodec(const std::string& path) {
-    if (endsWith(path, ".webm")) {
+    if (isWebmPath(path)) {
         return {"-c:a", "libopus", "-b:a", "160k"};
     }
     return {"-c:a", "aac", "-b:a", "192k"};
@@ -57,6 +57,12 @@ void feedSound(int fd, const DecodedAudio* song, long long sample) {
 }
 
 }  // namespace
+
+bool isVideoPath(const std::string& path) {
+    return endsWith(path, ".mp4") || endsWith(path, ".mkv") || isWebmPath(path);
+}
+
+bool isWebmPath(const std::string& path) { return endsWith(path, ".webm"); }
 
 std::vector<std::string> encoderCommand(const std::string& ffmpeg, const VideoSettings& video) {
     std::vector<std::string> command{ffmpeg, "-loglevel", "error", "-y", "-f", "rawvideo", "-pix_fmt", "bgr0", "-s",

@@ -30,6 +30,11 @@ struct VideoEncoder {
     std::thread soundFeed;
 };
 
+// True when `path` names a video container the encoder makes (.mp4, .mkv, .webm).
+bool isVideoPath(const std::string& path);
+// True for a WebM video (VP9, whose rate factor runs to 63 rather than 51).
+bool isWebmPath(const std::string& path);
+
 // The ffmpeg command line, argv[0] being `ffmpeg`.
 std::vector<std::string> encoderCommand(const std::string& ffmpeg, const VideoSettings& video);
 
