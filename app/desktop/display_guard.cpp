@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -19,8 +20,21 @@ constexpr int RESTORE_WAIT_MS = 2000;
 volatile int g_commands = -1;
 volatile int g_replies = -1;
 
+// Signals that must not reach the guard through handlers it inherits: the
+// ending ones (blocked across the fork) and the crash ones (reset to default).
+constexpr int ENDING_SIGNALS[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
+constexpr int CRASH_SIGNALS[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT};
+
+// Sets the saved layout back through a connection of the guard's own.
+void restore(const ScreenLayout& original) {
+    if (Display* display = XOpenDisplay(nullptr)) {
+        setScreenLayout(display, original);
+        XCloseDisplay(display);
+    }
+}
+
 // The guard's side: waits for commands until the pipe closes.
-[[noreturn]] void guard(ScreenMode original, int commands, int replies) {
+[[noreturn]] void guard(const ScreenLayout& original, int commands, int replies) {
     for (;;) {
         char command = 0;
         const ssize_t got = read(commands, &command, 1);
@@ -30,7 +44,7 @@ volatile int g_replies = -1;
         if (got == 1 && command == RELEASE) {
             _exit(0);
         }
-        applyScreenMode(original);
+        restore(original);
         if (got == 1 && command == RESTORE_NOW) {
             const ssize_t written = write(replies, &RESTORED, 1);
             (void)written;
@@ -41,12 +55,18 @@ volatile int g_replies = -1;
 }
 
 // In the new process: out of the terminal's reach, holding only its two pipe ends.
-void becomeGuard(ScreenMode original, int commands, int replies) {
+[[noreturn]] void becomeGuard(const ScreenLayout& original, int commands, int replies) {
     setpgid(0, 0);
-    signal(SIGINT, SIG_IGN);
-    signal(SIGTERM, SIG_IGN);
-    signal(SIGHUP, SIG_IGN);
-    signal(SIGPIPE, SIG_IGN);
+    for (int signal : ENDING_SIGNALS) {
+        ::signal(signal, SIG_IGN);
+    }
+    for (int signal : CRASH_SIGNALS) {
+        ::signal(signal, SIG_DFL);
+    }
+    ::signal(SIGPIPE, SIG_IGN);
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
     // Standard input and output are the show's: a reader waiting for their
     // end must not wait for the guard.
     const int null = open("/dev/null", O_RDWR);
@@ -57,13 +77,43 @@ void becomeGuard(ScreenMode original, int commands, int replies) {
     const int repliesHigh = fcntl(replies, F_DUPFD, 10);
     dup2(commandsHigh, 3);
     dup2(repliesHigh, 4);
+    // Everything else goes, the show's X connection included.
     closefrom(5);
     guard(original, 3, 4);
 }
 
+// Forks the guard through a short-lived middle process, so that the guard is
+// init's child, not the show's. The ending signals stay blocked from before
+// the fork until the guard ignores them. The guard's pid, or -1.
+bool forkGuard(const ScreenLayout& original, int commands, int replies) {
+    sigset_t ending;
+    sigset_t before;
+    sigemptyset(&ending);
+    for (int signal : ENDING_SIGNALS) {
+        sigaddset(&ending, signal);
+    }
+    sigprocmask(SIG_BLOCK, &ending, &before);
+    const pid_t middle = fork();
+    if (middle == 0) {
+        const pid_t guardPid = fork();
+        if (guardPid == 0) {
+            becomeGuard(original, commands, replies);
+        }
+        _exit(guardPid > 0 ? 0 : 1);
+    }
+    sigprocmask(SIG_SETMASK, &before, nullptr);
+    if (middle < 0) {
+        return false;
+    }
+    int status = 0;
+    while (waitpid(middle, &status, 0) < 0 && errno == EINTR) {
+    }
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
 }  // namespace
 
-bool startDisplayGuard(ScreenMode original) {
+bool startDisplayGuard(const ScreenLayout& original) {
     int commands[2];
     int replies[2];
     if (pipe2(commands, O_CLOEXEC) != 0) {
@@ -74,13 +124,10 @@ bool startDisplayGuard(ScreenMode original) {
         close(commands[1]);
         return false;
     }
-    const pid_t pid = fork();
-    if (pid == 0) {
-        becomeGuard(original, commands[0], replies[1]);
-    }
+    const bool started = forkGuard(original, commands[0], replies[1]);
     close(commands[0]);
     close(replies[1]);
-    if (pid < 0) {
+    if (!started) {
         close(commands[1]);
         close(replies[0]);
         return false;
@@ -102,16 +149,13 @@ void displayGuardRelease() {
     g_replies = -1;
 }
 
-void displayGuardRestoreNow() {
+bool displayGuardRestoreNow() {
     const int commands = g_commands;
     const int replies = g_replies;
     if (commands < 0 || write(commands, &RESTORE_NOW, 1) != 1) {
-        return;
+        return false;
     }
     pollfd answer{replies, POLLIN, 0};
     char reply = 0;
-    if (poll(&answer, 1, RESTORE_WAIT_MS) == 1) {
-        const ssize_t got = read(replies, &reply, 1);
-        (void)got;
-    }
+    return poll(&answer, 1, RESTORE_WAIT_MS) == 1 && read(replies, &reply, 1) == 1 && reply == RESTORED;
 }

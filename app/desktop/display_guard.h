@@ -1,26 +1,29 @@
 // The guard of a switched display mode: a small process, started before the
-// show switches the mode, that holds the original mode and gives it back when
+// show switches the mode, that holds the screen's original layout and gives it back when
 // the show cannot (killed with SIGKILL, crashed, or stuck on a frozen X
 // connection and killed).
 //
 // How the guard knows the show is gone: it waits on a pipe whose writing end
 // only the show holds. When the show's process ends by any means, the kernel
 // closes that end and the guard reads end-of-file; unless the show said
-// beforehand that it restored the mode itself, the guard restores it, through
-// an X connection of its own, and ends. The guard ignores the terminal's
-// signals and sits in a process group of its own, so Ctrl-C reaches only the show.
+// beforehand that it restored the mode itself, the guard sets back what differs
+// from the saved layout, through an X connection of its own, and ends. The guard
+// ignores the terminal's signals and sits in a process group of its own, so
+// Ctrl-C reaches only the show; it is not the show's child (init reaps it), so
+// it never lingers as a zombie of the show.
 #pragma once
 
-#include "app/desktop/display_mode.h"
+#include "app/desktop/screen_layout.h"
 
 // Starts the guard holding `original`. False when no process can be started
 // (the caller then does not switch).
-bool startDisplayGuard(ScreenMode original);
+bool startDisplayGuard(const ScreenLayout& original);
 
 // The show restored the mode itself (or never switched it): the guard ends
 // without touching the display. Nothing when no guard runs.
 void displayGuardRelease();
 
-// Async-signal-safe: asks the guard to restore the mode now and waits until it
-// has (two seconds at most). For a crash handler, which cannot use X itself.
-void displayGuardRestoreNow();
+// Async-signal-safe: asks the guard to restore the layout now and waits until
+// it has (two seconds at most). For a crash handler, which cannot use X itself.
+// False when no guard answered.
+bool displayGuardRestoreNow();

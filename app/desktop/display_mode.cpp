@@ -1,109 +1,217 @@
 #include "app/desktop/display_mode.h"
 
 #include "app/desktop/display_guard.h"
+#include "app/part_log.h"
 
-#include <X11/Xlib.h>
-#include <X11/extensions/Xrandr.h>
+#include <GL/glx.h>
+
+#include <cmath>
+#include <cstdio>
+#include <string>
 
 namespace {
 
-struct SavedMode {
-    bool switched = false;
-    ScreenMode original;
+struct Switched {
+    bool asked = false;        // a mode was set: the saved layout goes back at the end
+    bool connectionLost = false;
+    Display* display = nullptr;
+    bool ownConnection = false;  // opened here, not the window's
+    ScreenLayout original;
 };
-SavedMode g_savedMode;
+Switched g_switched;
 
-// The current size and rotation of the default screen; false without RandR.
-bool currentMode(Display* display, ScreenMode* mode) {
-    XRRScreenConfiguration* config = XRRGetScreenInfo(display, DefaultRootWindow(display));
-    if (config == nullptr) {
-        return false;
+void note(const std::string& text) {
+    if (g_verbose) {
+        std::fprintf(stderr, "kaskade: %s\n", text.c_str());
     }
-    Rotation rotation = 0;
-    mode->size = XRRConfigCurrentConfiguration(config, &rotation);
-    mode->rotation = rotation;
-    XRRFreeScreenConfigInfo(config);
-    return true;
 }
 
-// Sets screen size `mode.size` of the default screen; true on success.
-bool applySize(Display* display, ScreenMode mode) {
-    XRRScreenConfiguration* config = XRRGetScreenInfo(display, DefaultRootWindow(display));
-    if (config == nullptr) {
-        return false;
+double refreshOf(const XRRModeInfo& mode) {
+    if (mode.hTotal == 0 || mode.vTotal == 0) {
+        return 0.0;
     }
-    const Status status = XRRSetScreenConfig(display, config, DefaultRootWindow(display), static_cast<SizeID>(mode.size),
-                                             static_cast<Rotation>(mode.rotation), CurrentTime);
-    XRRFreeScreenConfigInfo(config);
-    XSync(display, False);
-    return status == RRSetConfigSuccess;
+    double lines = mode.vTotal;
+    if (mode.modeFlags & RR_DoubleScan) {
+        lines *= 2;
+    }
+    if (mode.modeFlags & RR_Interlace) {
+        lines /= 2;
+    }
+    return static_cast<double>(mode.dotClock) / (static_cast<double>(mode.hTotal) * lines);
 }
 
-// The index of the width x height size among the screen's sizes, or -1.
-int findSize(Display* display, int width, int height) {
-    XRRScreenConfiguration* config = XRRGetScreenInfo(display, DefaultRootWindow(display));
-    if (config == nullptr) {
-        return -1;
-    }
-    int sizeCount = 0;
-    const XRRScreenSize* sizes = XRRConfigSizes(config, &sizeCount);
-    int found = -1;
-    for (int i = 0; i < sizeCount && found < 0; ++i) {
-        if (sizes[i].width == width && sizes[i].height == height) {
-            found = i;
+const XRRModeInfo* modeInfo(const XRRScreenResources* resources, RRMode id) {
+    for (int i = 0; i < resources->nmode; ++i) {
+        if (resources->modes[i].id == id) {
+            return &resources->modes[i];
         }
     }
-    XRRFreeScreenConfigInfo(config);
-    return found;
+    return nullptr;
+}
+
+std::string describe(const XRRModeInfo* mode) {
+    if (mode == nullptr) {
+        return "an unknown mode";
+    }
+    char text[64];
+    std::snprintf(text, sizeof text, "%ux%u at %.1f Hz", mode->width, mode->height, refreshOf(*mode));
+    return text;
+}
+
+// The width x height mode of `output` whose refresh rate is nearest `refresh`
+// (progressive modes only); None when it offers none.
+RRMode findMode(Display* display, XRRScreenResources* resources, RROutput output, int width, int height,
+                double refresh) {
+    XRROutputInfo* info = XRRGetOutputInfo(display, resources, output);
+    if (info == nullptr) {
+        return None;
+    }
+    RRMode best = None;
+    double bestDistance = 0.0;
+    for (int i = 0; i < info->nmode; ++i) {
+        const XRRModeInfo* mode = modeInfo(resources, info->modes[i]);
+        if (mode == nullptr || static_cast<int>(mode->width) != width || static_cast<int>(mode->height) != height ||
+            (mode->modeFlags & (RR_Interlace | RR_DoubleScan)) != 0) {
+            continue;
+        }
+        const double distance = std::fabs(refreshOf(*mode) - refresh);
+        if (best == None || distance < bestDistance) {
+            best = mode->id;
+            bestDistance = distance;
+        }
+    }
+    XRRFreeOutputInfo(info);
+    return best;
+}
+
+// Xwayland names its outputs XWAYLAND0, XWAYLAND1, ...; newer ones also
+// announce an extension of that name.
+bool isXwayland(Display* display, const Monitor& monitor) {
+    int opcode = 0;
+    int event = 0;
+    int error = 0;
+    return monitor.name.rfind("XWAYLAND", 0) == 0 || XQueryExtension(display, "XWAYLAND", &opcode, &event, &error);
+}
+
+const CrtcState* crtcOf(const ScreenLayout& layout, RRCrtc crtc) {
+    for (const CrtcState& state : layout.crtcs) {
+        if (state.crtc == crtc) {
+            return &state;
+        }
+    }
+    return nullptr;
+}
+
+// Sets `mode` on the monitor's CRTC, keeping its place, rotation and outputs.
+bool applyMode(Display* display, XRRScreenResources* resources, const CrtcState& crtc, RRMode mode) {
+    XErrorTrap trap(display);
+    std::vector<RROutput> outputs = crtc.outputs;
+    const Status status = XRRSetCrtcConfig(display, resources, crtc.crtc, CurrentTime, crtc.x, crtc.y, mode,
+                                           crtc.rotation, outputs.data(), static_cast<int>(outputs.size()));
+    return status == RRSetConfigSuccess && !trap.failed();
+}
+
+// The switch itself, once the layout is saved. 0 when the monitor reads back
+// at width x height.
+int switchMonitor(Display* display, const Monitor& monitor, int width, int height) {
+    XRRScreenResources* resources = XRRGetScreenResourcesCurrent(display, DefaultRootWindow(display));
+    const CrtcState* crtc = crtcOf(g_switched.original, monitor.crtc);
+    if (resources == nullptr || crtc == nullptr) {
+        if (resources != nullptr) {
+            XRRFreeScreenResources(resources);
+        }
+        return -1;
+    }
+    const XRRModeInfo* current = modeInfo(resources, crtc->mode);
+    const RRMode wanted =
+        findMode(display, resources, monitor.output, width, height, current != nullptr ? refreshOf(*current) : 60.0);
+    const std::string was = describe(current);
+    int result = -1;
+    if (wanted == None) {
+        note(monitor.name + " offers no " + std::to_string(width) + "x" + std::to_string(height) +
+             " mode: the show runs at its " + was);
+    } else if (current != nullptr && current->id == wanted) {
+        note(monitor.name + " is already at " + was);
+    } else if (!startDisplayGuard(g_switched.original)) {
+        note("no guard process could be started: " + monitor.name + " stays at " + was);
+    } else {
+        const std::string now = describe(modeInfo(resources, wanted));
+        g_switched.asked = applyMode(display, resources, *crtc, wanted);
+        ScreenLayout after;
+        const CrtcState* switched = readScreenLayout(display, &after) ? crtcOf(after, crtc->crtc) : nullptr;
+        const bool quarterTurn = (crtc->rotation & (RR_Rotate_90 | RR_Rotate_270)) != 0;
+        const unsigned wide = static_cast<unsigned>(quarterTurn ? height : width);
+        const unsigned high = static_cast<unsigned>(quarterTurn ? width : height);
+        if (switched != nullptr && switched->mode == wanted && switched->width == wide && switched->height == high) {
+            note(monitor.name + " switched from " + was + " to " + now + "; other monitors unchanged");
+            result = 0;
+        } else if (switched != nullptr && switched->mode == wanted && isXwayland(display, monitor)) {
+            // Xwayland keeps the output as it is and tells only this client the
+            // new mode; a compositor that honours it scales the show's window.
+            note(monitor.name + " stays at " + std::to_string(switched->width) + "x" +
+                 std::to_string(switched->height) + ": Xwayland only emulates " + now +
+                 " for the show's window, for a compositor that scales it");
+        } else {
+            note(monitor.name + " did not switch to " + now + ": the show runs at its " + was);
+            restoreDisplayMode();
+        }
+    }
+    if (!g_switched.asked) {
+        displayGuardRelease();
+    }
+    XRRFreeScreenResources(resources);
+    return result;
 }
 
 }  // namespace
 
 int setDisplayMode(int width, int height, int) {
-    Display* display = XOpenDisplay(nullptr);
+    Display* display = glXGetCurrentDisplay();
+    const bool own = display == nullptr;
+    if (own) {
+        display = XOpenDisplay(nullptr);
+    }
     if (display == nullptr) {
         return -1;
     }
-    int eventBase = 0;
-    int errorBase = 0;
+    g_switched = Switched{};
+    g_switched.display = display;
+    g_switched.ownConnection = own;
     int result = -1;
-    ScreenMode current;
-    if (XRRQueryExtension(display, &eventBase, &errorBase) && currentMode(display, &current)) {
-        const int wanted = findSize(display, width, height);
-        // Already in that mode: nothing to switch, nothing to restore. The
-        // guard holds the original mode before the screen changes.
-        if (wanted >= 0 && wanted != current.size && startDisplayGuard(current) &&
-            applySize(display, ScreenMode{wanted, current.rotation})) {
-            g_savedMode = {true, current};
-            result = 0;
+    if (!readScreenLayout(display, &g_switched.original)) {
+        note("the display has no RandR 1.2: the show runs at the screen's size");
+    } else {
+        const std::vector<Monitor> monitors = monitorsOf(display, g_switched.original);
+        if (monitors.empty()) {
+            note("the display has no lit monitor: the show runs at the screen's size");
         } else {
-            displayGuardRelease();
+            result = switchMonitor(display, primaryMonitor(monitors), width, height);
         }
     }
-    XCloseDisplay(display);
+    // A connection of its own stays open while a switch stands: Xwayland ends
+    // a client's emulated mode with the client's connection.
+    if (own && !g_switched.asked) {
+        XCloseDisplay(display);
+        g_switched.display = nullptr;
+    }
     return result;
 }
 
 void restoreDisplayMode() {
-    if (!g_savedMode.switched) {
+    if (!g_switched.asked) {
         return;
     }
-    g_savedMode.switched = false;
-    if (applyScreenMode(g_savedMode.original)) {
+    g_switched.asked = false;
+    if (g_switched.connectionLost || g_switched.display == nullptr) {
+        return;  // the guard restores through its own connection
+    }
+    if (setScreenLayout(g_switched.display, g_switched.original)) {
         displayGuardRelease();
+    }
+    if (g_switched.ownConnection) {
+        XCloseDisplay(g_switched.display);
+        g_switched.display = nullptr;
     }
 }
 
-bool applyScreenMode(ScreenMode mode) {
-    Display* display = XOpenDisplay(nullptr);
-    if (display == nullptr) {
-        return false;
-    }
-    ScreenMode current;
-    bool done = currentMode(display, &current);
-    if (done && (current.size != mode.size || current.rotation != mode.rotation)) {
-        done = applySize(display, mode);
-    }
-    XCloseDisplay(display);
-    return done;
-}
+void displayConnectionLost() { g_switched.connectionLost = true; }

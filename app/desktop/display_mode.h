@@ -1,27 +1,30 @@
-// The switch of the display to the show's mode and back, through XRandR.
+// The switch of the show's monitor to the show's mode and back, through RandR
+// 1.2: only that monitor's CRTC changes; every other monitor, the screen's size
+// and the primary output stay as they are.
 //
-// A switched mode is given back on every way out of the process: the end path
-// and the fatal reports restore it themselves; for a crash, a kill or a frozen
-// X connection a guard process does (app/desktop/display_guard.h).
+// The whole layout of the screen is saved before the switch and set back
+// exactly on every way out of the process: the end path and the fatal reports
+// restore it themselves; for a crash, a kill or a lost X connection a guard
+// process does (app/desktop/display_guard.h).
 #pragma once
 
-// A screen configuration in RandR 1.1's terms: the index into the screen's
-// list of sizes and the rotation.
-struct ScreenMode {
-    int size = 0;
-    int rotation = 0;
-};
+#include "app/desktop/screen_layout.h"
 
-// Asks the X server for a width x height screen. The depth cannot change on X
-// and is not used. Returns 0 when the mode was switched, -1 when it is not
-// offered (the fullscreen window then simply takes the screen as it is).
-// Starts the guard before it switches.
+// Switches the show's monitor (the primary output's, see primaryMonitor) to a
+// width x height mode of its output, the one whose refresh rate is nearest the
+// monitor's own. It asks through the X connection of the show's window when a
+// GL context is current, so that Xwayland, which only emulates mode changes
+// for the windows of the client that asks, can have the window scaled. The
+// depth cannot change on X and is not used. Starts the guard before it
+// switches, then checks that the monitor reads back at the new size.
+// Returns 0 when it does, -1 otherwise (no such mode, no RandR 1.2, a refused
+// or emulated switch): the show then runs at the monitor's own size. Says
+// which with --verbose.
 int setDisplayMode(int width, int height, int bitsPerPixel);
 
-// Returns the display to the mode it had before setDisplayMode and lets the
-// guard go; nothing when it was not switched.
+// Sets the screen back to the layout saved by setDisplayMode and lets the
+// guard go; nothing when nothing was switched.
 void restoreDisplayMode();
 
-// Sets `mode` on the default screen through a connection of its own; true
-// when the screen is at `mode` afterwards (also when it already was).
-bool applyScreenMode(ScreenMode mode);
+// The X connection is lost: a restore is left to the guard, which has its own.
+void displayConnectionLost();

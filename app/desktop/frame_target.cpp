@@ -91,8 +91,14 @@ GLuint finishedFrame() {
     }
     glBindFramebuffer(GL_READ_FRAMEBUFFER, o.frames);
     glBindFramebuffer(GL_DRAW_FRAMEBUFFER, o.resolved);
+    // A blit is clipped by the scissor box: the bars must be resolved too.
+    const GLboolean scissored = glIsEnabled(GL_SCISSOR_TEST);
+    glDisable(GL_SCISSOR_TEST);
     glBlitFramebuffer(0, 0, g_target.width, g_target.height, 0, 0, g_target.width, g_target.height,
                       GL_COLOR_BUFFER_BIT, GL_NEAREST);
+    if (scissored) {
+        glEnable(GL_SCISSOR_TEST);
+    }
     return o.resolved;
 }
 

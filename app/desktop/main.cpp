@@ -7,6 +7,7 @@
 #include "app/desktop/options.h"
 #include "app/desktop/show_loop.h"
 #include "app/desktop/signals.h"
+#include "app/desktop/window_placement.h"
 #include "app/part_log.h"
 #include "app/sequencer.h"
 #include "app/shell.h"
@@ -44,9 +45,10 @@ void startFixedStep(const ShowOptions& options) {
     }
 }
 
-// The window: as large as --size makes it (a capture's own frames are drawn
-// offscreen, so its window only previews them, 640 pixels wide), multisampled
-// with --aa (refused when the display offers no such visual).
+// The window: as large as --size makes it, within its monitor (a capture's own
+// frames are drawn offscreen, so its window only previews them, 640 pixels
+// wide), multisampled with --aa (refused when the display offers no such
+// visual). The fullscreen show opens on the primary monitor.
 void openWindow(int* argc, char** argv, const ShowOptions& options) {
     glutInit(argc, argv);
     unsigned int mode = GLUT_RGB | GLUT_DOUBLE | GLUT_DEPTH;
@@ -61,23 +63,52 @@ void openWindow(int* argc, char** argv, const ShowOptions& options) {
         glutSetOption(GLUT_MULTISAMPLE, options.samples);
     }
     glutInitDisplayMode(mode);
+    const DesktopNow desktop = desktopNow();
+    int width = options.width;
+    int height = options.height;
     if (capturing) {
-        glutInitWindowSize(640, 640 * options.height / options.width);
-    } else {
-        glutInitWindowSize(options.width, options.height);
+        height = 640 * options.height / options.width;
+        width = 640;
+    } else if (!desktop.monitors.empty()) {
+        const std::string shrunk = fitWindowToMonitor(primaryMonitor(desktop.monitors), &width, &height);
+        if (!shrunk.empty()) {
+            std::fprintf(stderr, "kaskade: %s\n", shrunk.c_str());
+        }
     }
+    // A window manager places a window itself; without one it would stand a
+    // pixel off the screen's corner.
+    if (!desktop.monitors.empty() && (g_fullscreen || !desktop.windowManager)) {
+        const Monitor& primary = primaryMonitor(desktop.monitors);
+        glutInitWindowPosition(primary.x, primary.y);
+    }
+    glutInitWindowSize(width, height);
     glutCreateWindow("kaskade [12]");
-    if (g_fullscreen || options.desktop) {
-        glutFullScreen();
-        glutSetCursor(GLUT_CURSOR_NONE);
+}
+
+// Fullscreen on one monitor: the primary one, switched to 640 x 480 where it
+// offers that mode, or (--desktop) the one the window is on, as it is.
+void goFullscreen(const ShowOptions& options) {
+    if (g_fullscreen) {
+        if (setDisplayMode(640, 480, 32) == 0) {
+            installCrashGiveBack();
+        }
+        coverMonitor(showMonitorNow());
+    } else if (options.desktop) {
+        coverMonitor(windowMonitor());
+    } else {
+        return;
     }
+    glutSetCursor(GLUT_CURSOR_NONE);
 }
 
 // Where the frames go: the window, following its size, or a capture.
 void chooseFrameTarget(const ShowOptions& options) {
+    // Every configure event refits the picture; a capture's frames keep their
+    // own size, but without this callback GLUT would set the viewport of
+    // whatever framebuffer is bound to the preview window's size.
+    glutReshapeFunc(fitToWindow);
     if (options.capturePath.empty()) {
         fitToWindow(glutGet(GLUT_WINDOW_WIDTH), glutGet(GLUT_WINDOW_HEIGHT));
-        glutReshapeFunc(fitToWindow);
     } else {
         CaptureSettings capture;
         capture.path = options.capturePath;
@@ -118,8 +149,6 @@ int main(int argc, char** argv) {
 
     if (options.windowed) {
         g_fullscreen = 0;
-    } else if (g_fullscreen && setDisplayMode(640, 480, 32) == 0) {
-        installCrashGiveBack();
     }
     openMusic(SOUNDTRACK_FILE);
     const std::string warning =
@@ -129,6 +158,7 @@ int main(int argc, char** argv) {
     }
 
     openWindow(&argc, argv, options);
+    goFullscreen(options);
     initGlState();
     chooseFrameTarget(options);
 

@@ -65,6 +65,9 @@ std::string conflict(const ShowOptions& options) {
     if (options.loop && !options.capturePath.empty()) {
         return "--loop and --capture do not go together: a looping show never ends, so its capture would not";
     }
+    if (options.fullscreen && (options.desktop || sized || !options.capturePath.empty())) {
+        return "--fullscreen switches the display to 640x480: it goes with neither --desktop, --size nor --capture";
+    }
     if (options.desktop && !options.capturePath.empty()) {
         return "--desktop and --capture do not go together: a capture is as large as --size makes it";
     }
@@ -119,6 +122,8 @@ ShowOptions parseShowOptions(int argc, char** argv) {
             }
         } else if (std::strcmp(argument, "--desktop") == 0) {
             options.desktop = true;
+        } else if (std::strcmp(argument, "--fullscreen") == 0) {
+            options.fullscreen = true;
         } else if (const char* samples = optionValue(argc, argv, &i, "--aa", &missing)) {
             options.samples = parseWhole(samples, 1, MAX_SAMPLES);
             if (options.samples == 0) {
@@ -134,6 +139,7 @@ ShowOptions parseShowOptions(int argc, char** argv) {
             options.error = std::string(argument) + " needs a value";
         }
     }
+    options.windowed = options.windowed && !options.fullscreen;
     if (!options.capturePath.empty() && options.fps == 0 && options.error.empty()) {
         options.fps = CAPTURE_DEFAULT_FPS;
     }
@@ -144,18 +150,22 @@ ShowOptions parseShowOptions(int argc, char** argv) {
 }
 
 const char* showUsage() {
-    return "usage: kaskade [--window] [--desktop] [--size WxH] [--aa N] [--nosound]\n"
-           "               [--fps N] [--capture PATH] [--crf N] [--part N] [--loop]\n"
-           "               [--verbose] [--help] [--version]\n"
+    return "usage: kaskade [--window] [--fullscreen] [--desktop] [--size WxH] [--aa N]\n"
+           "               [--nosound] [--fps N] [--capture PATH] [--crf N] [--part N]\n"
+           "               [--loop] [--verbose] [--help] [--version]\n"
            "\n"
            "Plays the show from the archive \"3d\" and the soundtrack \"harbour.mp3\" in the\n"
-           "working directory. Without arguments it runs fullscreen; any argument gives a\n"
-           "640 x 480 window.\n"
+           "working directory. Without arguments it runs fullscreen; any other argument than\n"
+           "--fullscreen gives a 640 x 480 window.\n"
            "\n"
            "  --window        run in a window (any argument does)\n"
-           "  --desktop       fullscreen at the display's own size, without switching it\n"
+           "  --fullscreen    fullscreen as without arguments (the monitor switched to\n"
+           "                  640x480 where it offers that mode), with other options\n"
+           "  --desktop       fullscreen at the monitor's own size, without switching it\n"
            "  --size WxH      a window (or a capture) of W x H pixels; the 4:3 picture\n"
-           "                  is centred in it between black bars\n"
+           "                  is centred in it between black bars. A window larger than\n"
+           "                  its monitor is shrunk to fit it, its shape kept, so that no\n"
+           "                  part of the picture is off the screen (a capture is not)\n"
            "  --aa N          N samples per pixel (multisampling), e.g. 4\n"
            "  --nosound       open no audio device; the show runs silently on its clock\n"
            "  --fps N         step the clock by frames (1 to 240 per second) instead of the\n"

@@ -5,7 +5,8 @@
 #include <string>
 
 struct ShowOptions {
-    bool windowed = false;    // any argument
+    bool windowed = false;    // any argument but --fullscreen
+    bool fullscreen = false;  // --fullscreen: the show without arguments' fullscreen, with other options
     bool help = false;        // --help, -h: print usage and exit 0
     bool version = false;     // --version: print the version and exit 0
     bool noSound = false;     // --nosound: no audio device, no soundtrack

@@ -1,0 +1,128 @@
+#include "app/desktop/window_placement.h"
+
+#include <GL/freeglut.h>
+#include <GL/glx.h>
+#include <X11/Xatom.h>
+
+#include <algorithm>
+
+namespace {
+
+// The window named by `property` on `window`, or None.
+Window windowProperty(Display* display, Window window, Atom property) {
+    Atom type = None;
+    int format = 0;
+    unsigned long count = 0;
+    unsigned long after = 0;
+    unsigned char* data = nullptr;
+    Window found = None;
+    if (XGetWindowProperty(display, window, property, 0, 1, False, XA_WINDOW, &type, &format, &count, &after,
+                           &data) == Success &&
+        type == XA_WINDOW && format == 32 && count == 1) {
+        found = *reinterpret_cast<Window*>(data);
+    }
+    if (data != nullptr) {
+        XFree(data);
+    }
+    return found;
+}
+
+bool supportsFullscreen(Display* display, Window root) {
+    const Atom supported = XInternAtom(display, "_NET_SUPPORTED", False);
+    const Atom fullscreen = XInternAtom(display, "_NET_WM_STATE_FULLSCREEN", False);
+    Atom type = None;
+    int format = 0;
+    unsigned long count = 0;
+    unsigned long after = 0;
+    unsigned char* data = nullptr;
+    bool found = false;
+    if (XGetWindowProperty(display, root, supported, 0, 4096, False, XA_ATOM, &type, &format, &count, &after,
+                           &data) == Success &&
+        type == XA_ATOM && format == 32) {
+        const Atom* atoms = reinterpret_cast<Atom*>(data);
+        found = std::find(atoms, atoms + count, fullscreen) != atoms + count;
+    }
+    if (data != nullptr) {
+        XFree(data);
+    }
+    return found;
+}
+
+// The current GLUT window's X connection and window.
+Display* windowDisplay() { return glXGetCurrentDisplay(); }
+Window windowId() { return static_cast<Window>(glXGetCurrentDrawable()); }
+
+}  // namespace
+
+DesktopNow desktopNow() {
+    DesktopNow now;
+    if (Display* display = XOpenDisplay(nullptr)) {
+        now.monitors = displayMonitors(display);
+        now.windowManager = fullscreenWindowManager(display);
+        XCloseDisplay(display);
+    }
+    return now;
+}
+
+std::string fitWindowToMonitor(const Monitor& monitor, int* width, int* height) {
+    if (monitor.width <= 0 || monitor.height <= 0 || (*width <= monitor.width && *height <= monitor.height)) {
+        return "";
+    }
+    const std::string asked = std::to_string(*width) + "x" + std::to_string(*height);
+    // The narrower of the two limits decides; whole pixels, rounded down.
+    if (static_cast<long>(*width) * monitor.height >= static_cast<long>(*height) * monitor.width) {
+        *height = static_cast<int>(static_cast<long>(*height) * monitor.width / *width);
+        *width = monitor.width;
+    } else {
+        *width = static_cast<int>(static_cast<long>(*width) * monitor.height / *height);
+        *height = monitor.height;
+    }
+    return "a " + asked + " window is larger than the monitor " + monitor.name + " (" +
+           std::to_string(monitor.width) + "x" + std::to_string(monitor.height) + "): the window is " +
+           std::to_string(*width) + "x" + std::to_string(*height);
+}
+
+bool fullscreenWindowManager(Display* display) {
+    XErrorTrap trap(display);
+    const Window root = DefaultRootWindow(display);
+    const Atom check = XInternAtom(display, "_NET_SUPPORTING_WM_CHECK", False);
+    const Window manager = windowProperty(display, root, check);
+    // The check window names itself while its window manager lives; a stale
+    // root property names a window that is gone (BadWindow, trapped).
+    const bool alive = manager != None && windowProperty(display, manager, check) == manager;
+    return alive && !trap.failed() && supportsFullscreen(display, root);
+}
+
+Monitor windowMonitor() {
+    Display* display = windowDisplay();
+    const std::vector<Monitor> monitors = displayMonitors(display);
+    int x = 0;
+    int y = 0;
+    Window child = None;
+    XWindowAttributes attributes{};
+    {
+        XErrorTrap trap(display);
+        XGetWindowAttributes(display, windowId(), &attributes);
+        XTranslateCoordinates(display, windowId(), DefaultRootWindow(display), 0, 0, &x, &y, &child);
+    }
+    return monitorUnder(monitors, x, y, attributes.width, attributes.height);
+}
+
+Monitor showMonitorNow() { return primaryMonitor(displayMonitors(windowDisplay())); }
+
+void coverMonitor(const Monitor& monitor) {
+    Display* display = windowDisplay();
+    const Window window = windowId();
+    if (fullscreenWindowManager(display)) {
+        // The window manager covers the monitor the window is on.
+        {
+            XErrorTrap trap(display);
+            XMoveWindow(display, window, monitor.x, monitor.y);
+        }
+        glutFullScreen();
+        return;
+    }
+    XErrorTrap trap(display);
+    XMoveResizeWindow(display, window, monitor.x, monitor.y, static_cast<unsigned>(monitor.width),
+                      static_cast<unsigned>(monitor.height));
+}

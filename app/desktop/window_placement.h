@@ -1,0 +1,41 @@
+// Where the show's window goes on a screen of one or more monitors, with or
+// without a window manager: fullscreen covers one monitor, never the whole
+// screen across monitors, and a window is never larger than its monitor.
+#pragma once
+
+#include "app/desktop/screen_layout.h"
+
+#include <string>
+#include <vector>
+
+// The display before the show's window exists, read through a short
+// connection of its own: its monitors (the whole screen as one when RandR
+// cannot tell; none without a display) and whether a window manager runs.
+struct DesktopNow {
+    std::vector<Monitor> monitors;
+    bool windowManager = false;
+};
+DesktopNow desktopNow();
+
+// A window of width x height on `monitor`: as asked when it fits, else the
+// largest size of the same shape that fits (the 4:3 picture then refits
+// inside it). Returns the note the show prints when it shrank the window,
+// else "".
+std::string fitWindowToMonitor(const Monitor& monitor, int* width, int* height);
+
+// True when a window manager that takes _NET_WM_STATE_FULLSCREEN runs: one
+// whose _NET_SUPPORTING_WM_CHECK window exists and names itself, so that a
+// window manager that has gone away and left its properties does not count.
+bool fullscreenWindowManager(Display* display);
+
+// The monitor that holds most of the current GLUT window.
+Monitor windowMonitor();
+
+// The monitor of the show after a mode switch: the primary one, read again
+// through the window's connection.
+Monitor showMonitorNow();
+
+// Makes the current GLUT window cover `monitor`: it is moved there and then
+// made fullscreen by the window manager where one runs (which covers the
+// monitor the window is on); else it is placed over the monitor's rectangle.
+void coverMonitor(const Monitor& monitor);
