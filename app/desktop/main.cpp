@@ -124,7 +124,6 @@ void chooseFrameTarget(const ShowOptions& options) {
             refuse(error);
         }
     }
-    prepareFrame();
 }
 
 }  // namespace
@@ -175,6 +174,9 @@ int main(int argc, char** argv) {
         loopTheShow();
     }
     startShowAt(options.part, options.fps);
+    // The rebuilt parts' unseen frames are never shown: the first frame
+    // shown starts from black bars like every later one.
+    prepareFrame();
     glutMainLoop();
     runEndPath();
 }

@@ -2,153 +2,38 @@
 // keys and mouse, a closed window, the fullscreen fallback, and the audio
 // failures before any window, each seen from outside the process.
 #include "audio/pcm_decoder.h"
-#include "tests/audio/test_sounds.h"
 #include "tests/support/resident_memory.h"
+#include "tests/support/show_process.h"
 #include "tests/support/test_x_server.h"
 
 #include <gtest/gtest.h>
 
 #include <X11/Xlib.h>
-#include <X11/Xutil.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <algorithm>
 #include <cstring>
-#include <fstream>
 #include <memory>
-#include <sstream>
 #include <thread>
 
 namespace {
-
-std::string readFile(const std::string& path) {
-    std::ifstream in(path);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-std::string run(const std::string& command) {
-    std::string output;
-    if (FILE* pipe = popen(command.c_str(), "r")) {
-        char buffer[256];
-        while (std::fgets(buffer, sizeof buffer, pipe) != nullptr) {
-            output += buffer;
-        }
-        pclose(pipe);
-    }
-    return output;
-}
-
-struct ShowResult {
-    int status = -1;  // the exit status, or -1 when a signal ended the process
-    int signal = 0;   // that signal
-    std::string out;
-    std::string err;
-};
-
-// What the show says at start about the tests' 20-second soundtrack.
-const std::string SHORT_SONG_WARNING =
-    "kaskade: harbour.mp3 lasts 20.0 s, shorter than the show (226.9 s): the show will not get past part 1\n";
-
-class ShowProcess : public ::testing::Test {
-protected:
-    void SetUp() override {
-        if (std::getenv("DISPLAY") == nullptr) {
-            GTEST_SKIP() << "needs an X display (the suite runs under xvfb-run)";
-        }
-        const std::string archive = std::string(KASKADE_SHOW_DIR) + "/3d";
-        if (access(archive.c_str(), R_OK) != 0) {
-            GTEST_SKIP() << "the show's content is not built in " << KASKADE_SHOW_DIR;
-        }
-        dir_ = makeTempDir();
-        // Long enough that the demo clock does not restart with the music during a test.
-        writeMp3(dir_ + "/harbour.mp3", tone(44100 * 20, 44100, 9000, 9000));
-        ASSERT_EQ(symlink(archive.c_str(), (dir_ + "/3d").c_str()), 0);
-    }
-
-    // Starts kaskade in the test's folder, on `display` when one is given.
-    void start(const std::vector<std::string>& arguments, const std::string& display = "",
-               const char* audioDriver = "dummy") {
-        pid_ = fork();
-        if (pid_ == 0) {
-            if (chdir(dir_.c_str()) != 0) {
-                _exit(125);
-            }
-            freopen("out.txt", "w", stdout);
-            freopen("err.txt", "w", stderr);
-            setenv("SDL_AUDIODRIVER", audioDriver, 1);
-            if (!display.empty()) {
-                setenv("DISPLAY", display.c_str(), 1);
-            }
-            std::vector<char*> argv{const_cast<char*>(KASKADE_PROGRAM)};
-            for (const std::string& argument : arguments) {
-                argv.push_back(const_cast<char*>(argument.c_str()));
-            }
-            argv.push_back(nullptr);
-            execv(KASKADE_PROGRAM, argv.data());
-            _exit(126);
-        }
-    }
-
-    // The show's window id, waiting for it to be mapped.
-    std::string window(const std::string& display = "") {
-        const std::string on = display.empty() ? "" : "DISPLAY=" + display + " ";
-        const std::string id =
-            run(on + "timeout 20 xdotool search --sync --onlyvisible --name 'kaskade \\[12\\]' | head -n 1");
-        return id.substr(0, id.find('\n'));
-    }
-
-    ShowResult finish(int seconds = 20) {
-        ShowResult result;
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
-        int status = 0;
-        while (waitpid(pid_, &status, WNOHANG) == 0) {
-            if (std::chrono::steady_clock::now() > deadline) {
-                kill(pid_, SIGKILL);
-                waitpid(pid_, &status, 0);
-                ADD_FAILURE() << "kaskade did not end";
-                break;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        }
-        result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-        result.signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
-        result.out = readFile(dir_ + "/out.txt");
-        result.err = readFile(dir_ + "/err.txt");
-        return result;
-    }
-
-    std::string dir_;
-    pid_t pid_ = -1;
-};
-
-bool endsWithFrameRateLine(const std::string& out) {
-    const size_t at = out.rfind("fps: ");
-    if (at == std::string::npos) {
-        return false;
-    }
-    double value = -1;
-    char newline = 0;
-    return std::sscanf(out.c_str() + at, "fps: %lf%c", &value, &newline) == 2 && newline == '\n' && value >= 0;
-}
 
 TEST_F(ShowProcess, WindowedShowPrintsTheDemoTimeOnRAndEndsOnEscape) {
     start({"--window"});
     const std::string id = window();
     ASSERT_FALSE(id.empty());
-    EXPECT_NE(run("xdotool getwindowgeometry " + id).find("Geometry: 640x480"), std::string::npos);
+    EXPECT_NE(runCommand("xdotool getwindowgeometry " + id).find("Geometry: 640x480"), std::string::npos);
     std::this_thread::sleep_for(std::chrono::milliseconds(600));
-    run("xdotool key --window " + id + " r");
+    runCommand("xdotool key --window " + id + " r");
     std::this_thread::sleep_for(std::chrono::milliseconds(700));
-    run("xdotool key --window " + id + " r");
+    runCommand("xdotool key --window " + id + " r");
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    run("xdotool key --window " + id + " Escape");
+    runCommand("xdotool key --window " + id + " Escape");
     const ShowResult result = finish();
 
     EXPECT_EQ(result.status, 0);
@@ -183,7 +68,7 @@ TEST_F(ShowProcess, MousePressAndClosedWindowRunTheEndPathLikeEscape) {
         const std::string id = window();
         ASSERT_FALSE(id.empty()) << how;
         if (std::string(how) == "mouse") {
-            run("xdotool mousemove --window " + id + " 100 100 click 3");
+            runCommand("xdotool mousemove --window " + id + " 100 100 click 3");
         } else {
             sendDeleteWindow(id);
         }
@@ -194,19 +79,19 @@ TEST_F(ShowProcess, MousePressAndClosedWindowRunTheEndPathLikeEscape) {
 }
 
 TEST_F(ShowProcess, FullscreenFallsBackToTheScreenAsItIsAndLeavesItSo) {
-    const std::string screenBefore = run("xdotool getdisplaygeometry");
+    const std::string screenBefore = runCommand("xdotool getdisplaygeometry");
     start({});
     const std::string id = window();
     ASSERT_FALSE(id.empty());
     std::this_thread::sleep_for(std::chrono::milliseconds(300));
     const std::string size = screenBefore.substr(0, screenBefore.find('\n'));
     const std::string expected = "Geometry: " + size.substr(0, size.find(' ')) + "x" + size.substr(size.find(' ') + 1);
-    EXPECT_NE(run("xdotool getwindowgeometry " + id).find(expected), std::string::npos);
-    run("xdotool key --window " + id + " Escape");
+    EXPECT_NE(runCommand("xdotool getwindowgeometry " + id).find(expected), std::string::npos);
+    runCommand("xdotool key --window " + id + " Escape");
     const ShowResult result = finish();
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.err, SHORT_SONG_WARNING);
-    EXPECT_EQ(run("xdotool getdisplaygeometry"), screenBefore);
+    EXPECT_EQ(runCommand("xdotool getdisplaygeometry"), screenBefore);
 }
 
 TEST_F(ShowProcess, EndingSignalsRunTheEndPathWithTheShellsStatus) {
@@ -263,7 +148,7 @@ protected:
 
 TEST_F(ScreenGiveBack, EscapeAndTheFatalReportsRestoreTheScreenThemselves) {
     startSwitched();
-    run("DISPLAY=" + server_->display() + " xdotool key --window " + window(server_->display()) + " Escape");
+    runCommand("DISPLAY=" + server_->display() + " xdotool key --window " + window(server_->display()) + " Escape");
     ShowResult result = finish();
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(server_->currentSize(), ORIGINAL);
@@ -334,7 +219,7 @@ TEST_F(ShowProcess, StartingAtTheLastPartPlaysItFromItsPlaceInTheShow) {
     result = finish();
     EXPECT_EQ(result.status, 130);
 
-    const std::string bytes = readFile(dir_ + "/heard.raw");
+    const std::string bytes = readTextFile(dir_ + "/heard.raw");
     std::vector<int16_t> heard(bytes.size() / 2);
     std::memcpy(heard.data(), bytes.data(), heard.size() * 2);
     DecodedAudio song;
@@ -372,7 +257,7 @@ TEST_F(ShowProcess, ALoopingShowGoesFromTheLastPartBackToTheFirstUntilEnded) {
     long resident[2] = {};
     for (int pass = 2; pass <= 3; ++pass) {
         const std::string line = "the show starts over: pass " + std::to_string(pass);
-        for (int waited = 0; waited < 120000 && readFile(dir_ + "/err.txt").find(line) == std::string::npos;
+        for (int waited = 0; waited < 120000 && readTextFile(dir_ + "/err.txt").find(line) == std::string::npos;
              waited += 50) {
             std::this_thread::sleep_for(std::chrono::milliseconds(50));
         }
@@ -393,52 +278,6 @@ TEST_F(ShowProcess, ALoopingShowGoesFromTheLastPartBackToTheFirstUntilEnded) {
     EXPECT_LE(resident[1], resident[0] * 105 / 100) << resident[0] << " KiB after the first pass";
 }
 
-// What the screen shows of a window: red, green, blue per pixel of the window
-// (width x height of them); pixels off the screen stay at 255, 0, 255.
-std::vector<uint8_t> windowPixels(const std::string& display, const std::string& id, int* width, int* height) {
-    std::vector<uint8_t> rgb;
-    Display* x = XOpenDisplay(display.c_str());
-    if (x == nullptr) {
-        return rgb;
-    }
-    const Window window = std::stoul(id);
-    const Window root = DefaultRootWindow(x);
-    XWindowAttributes attributes{};
-    XGetWindowAttributes(x, window, &attributes);
-    *width = attributes.width;
-    *height = attributes.height;
-    rgb.resize(static_cast<size_t>(*width) * *height * 3);
-    for (size_t i = 0; i < rgb.size(); i += 3) {
-        rgb[i] = 255;
-        rgb[i + 2] = 255;
-    }
-    // Read from the root window: the show's window may stand partly off the screen.
-    int left = 0;
-    int top = 0;
-    Window child = 0;
-    XTranslateCoordinates(x, window, root, 0, 0, &left, &top, &child);
-    const int x0 = std::max(left, 0);
-    const int y0 = std::max(top, 0);
-    const int x1 = std::min(left + *width, DisplayWidth(x, DefaultScreen(x)));
-    const int y1 = std::min(top + *height, DisplayHeight(x, DefaultScreen(x)));
-    if (x1 > x0 && y1 > y0) {
-        if (XImage* image = XGetImage(x, root, x0, y0, x1 - x0, y1 - y0, AllPlanes, ZPixmap)) {
-            for (int row = y0; row < y1; ++row) {
-                for (int column = x0; column < x1; ++column) {
-                    const unsigned long pixel = XGetPixel(image, column - x0, row - y0);
-                    uint8_t* out = &rgb[(static_cast<size_t>(row - top) * *width + (column - left)) * 3];
-                    out[0] = static_cast<uint8_t>(pixel >> 16);
-                    out[1] = static_cast<uint8_t>(pixel >> 8);
-                    out[2] = static_cast<uint8_t>(pixel);
-                }
-            }
-            XDestroyImage(image);
-        }
-    }
-    XCloseDisplay(x);
-    return rgb;
-}
-
 TEST_F(ShowProcess, AWideWindowHoldsTheFourThreePictureBetweenBlackBars) {
     TestXServer server(1920, 1080);
     ASSERT_TRUE(server.running());
@@ -450,7 +289,7 @@ TEST_F(ShowProcess, AWideWindowHoldsTheFourThreePictureBetweenBlackBars) {
     int width = 0;
     int height = 0;
     const std::vector<uint8_t> rgb = windowPixels(server.display(), id, &width, &height);
-    run("DISPLAY=" + server.display() + " xdotool key --window " + id + " Escape");
+    runCommand("DISPLAY=" + server.display() + " xdotool key --window " + id + " Escape");
     EXPECT_EQ(finish().status, 0);
     ASSERT_EQ(width, 1920);
     ASSERT_EQ(height, 1080);
@@ -479,10 +318,10 @@ TEST_F(ShowProcess, DesktopIsFullscreenAtTheDisplaysOwnSizeWithoutASwitch) {
     const std::string id = window(server.display());
     ASSERT_FALSE(id.empty());
     std::this_thread::sleep_for(std::chrono::milliseconds(500));
-    EXPECT_NE(run("DISPLAY=" + server.display() + " xdotool getwindowgeometry " + id).find("Geometry: 1024x768"),
+    EXPECT_NE(runCommand("DISPLAY=" + server.display() + " xdotool getwindowgeometry " + id).find("Geometry: 1024x768"),
               std::string::npos);
     EXPECT_EQ(server.currentSize(), "1024x768");
-    run("DISPLAY=" + server.display() + " xdotool key --window " + id + " Escape");
+    runCommand("DISPLAY=" + server.display() + " xdotool key --window " + id + " Escape");
     EXPECT_EQ(finish().status, 0);
     EXPECT_EQ(server.currentSize(), "1024x768");
 }
@@ -500,7 +339,7 @@ TEST_F(ShowProcess, NoSoundRunsWithoutASoundtrack) {
     start({"--nosound"});
     const std::string id = window();
     ASSERT_FALSE(id.empty());
-    run("xdotool key --window " + id + " Escape");
+    runCommand("xdotool key --window " + id + " Escape");
     const ShowResult result = finish();
     EXPECT_EQ(result.status, 0);
     EXPECT_TRUE(endsWithFrameRateLine(result.out)) << result.out;

@@ -5,50 +5,16 @@
 #include "app/desktop/png_file.h"
 #include "tests/capture/show_runs.h"
 #include "tests/support/fatal_catcher.h"
+#include "tests/support/frame_compare.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdio>
 
 namespace {
 
 using FrameSize = ShowRun;
-
-// `image` (RGB or RGBA) averaged down to width x height: each target pixel is
-// the area-weighted mean of the source pixels it covers, per channel (RGB).
-std::vector<double> scaledDown(const PngImage& image, int width, int height) {
-    std::vector<double> out(static_cast<size_t>(width) * height * 3, 0.0);
-    const double sx = static_cast<double>(image.width) / width;
-    const double sy = static_cast<double>(image.height) / height;
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x) {
-            double sum[3] = {0, 0, 0};
-            for (int v = static_cast<int>(y * sy); v < std::ceil((y + 1) * sy); ++v) {
-                const double wy = std::min(v + 1.0, (y + 1) * sy) - std::max<double>(v, y * sy);
-                for (int u = static_cast<int>(x * sx); u < std::ceil((x + 1) * sx); ++u) {
-                    const double w = wy * (std::min(u + 1.0, (x + 1) * sx) - std::max<double>(u, x * sx));
-                    const uint8_t* p = &image.pixels[(static_cast<size_t>(v) * image.width + u) * image.channels];
-                    for (int c = 0; c < 3; ++c) {
-                        sum[c] += w * p[c];
-                    }
-                }
-            }
-            for (int c = 0; c < 3; ++c) {
-                out[(static_cast<size_t>(y) * width + x) * 3 + c] = sum[c] / (sx * sy);
-            }
-        }
-    }
-    return out;
-}
-
-// Mean absolute difference per channel value (0..255) between `scaled` and `reference`'s RGB.
-double meanAbsoluteError(const std::vector<double>& scaled, const PngImage& reference) {
-    double total = 0.0;
-    for (size_t i = 0; i < scaled.size(); ++i) {
-        total += std::abs(scaled[i] - reference.pixels[(i / 3) * reference.channels + i % 3]);
-    }
-    return total / static_cast<double>(scaled.size());
-}
 
 // How far, on average, the pixels of the strips left and right of the overlays
 // (x below 160 or from 480 on) stand from the clear colour: in a part of lines,
@@ -71,28 +37,13 @@ double lineInk(const std::vector<double>& rgb) {
     return total / (3.0 * count);
 }
 
-std::vector<double> asDoubles(const PngImage& image) {
-    std::vector<double> rgb(static_cast<size_t>(image.width) * image.height * 3);
-    for (size_t i = 0; i < rgb.size(); ++i) {
-        rgb[i] = image.pixels[(i / 3) * image.channels + i % 3];
-    }
-    return rgb;
-}
-
-PngImage load(const std::string& path) {
-    PngImage image;
-    std::string error;
-    EXPECT_TRUE(readPng(path, &image, &error)) << error;
-    return image;
-}
-
 TEST_F(FrameSize, A1440By1080FrameScaledDownIsThe640By480Frame) {
     // Parts of lines (3), of solids in a wire cage under an overlay (7), of fog (13).
     for (int part : {3, 7, 13}) {
         const float start = PART_END_TIMES[part - 2];
         const int middle = static_cast<int>(start + PART_END_TIMES[part - 1]) * 4 / 20;
         const int first = static_cast<int>(start / 2.5f) + 2;
-        const PngImage reference = load(testDataPath("frames/part" + std::string(part < 10 ? "0" : "") +
+        const PngImage reference = loadPng(testDataPath("frames/part" + std::string(part < 10 ? "0" : "") +
                                                      std::to_string(part) + ".png"));
         for (const char* samples : {"1", "4"}) {
             const std::string directory = dir_ + "/part" + std::to_string(part) + "aa" + samples;
@@ -100,7 +51,7 @@ TEST_F(FrameSize, A1440By1080FrameScaledDownIsThe640By480Frame) {
                                     samples},
                                    directory, middle - first),
                       130);
-            const PngImage large = load(directory + frameName(middle - first));
+            const PngImage large = loadPng(directory + frameName(middle - first));
             ASSERT_EQ(large.width, 1440);
             // A finer frame differs from the reference along edges and lines
             // (measured: up to 4.3 in the part of lines, 1.2 elsewhere); a camera
@@ -114,6 +65,59 @@ TEST_F(FrameSize, A1440By1080FrameScaledDownIsThe640By480Frame) {
                 EXPECT_NEAR(lineInk(scaled) / lineInk(asDoubles(reference)), 1.0, 0.1) << samples << " samples";
             }
         }
+    }
+}
+
+// True when every pixel of `image` left of column `from` and from column `to` on is black.
+bool barsAreBlack(const PngImage& image, int from, int to) {
+    for (int y = 0; y < image.height; ++y) {
+        for (int x = 0; x < image.width; ++x) {
+            const uint8_t* p = &image.pixels[(static_cast<size_t>(y) * image.width + x) * image.channels];
+            if ((x < from || x >= to) && p[0] + p[1] + p[2] != 0) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+TEST_F(FrameSize, TheFirstFramesOfALargeCaptureAreTheSmallCapturesDrawnFiner) {
+    // The first frame of a capture is drawn before the preview window has
+    // reported its size: it must be fitted like every later one, bars resolved too.
+    const std::vector<std::string> part13 = {"--part", "13", "--fps", "4", "--nosound"};
+    ASSERT_EQ(captureUntil(part13, dir_ + "/small", 1), 130);
+    const struct {
+        const char* size;
+        const char* samples;
+        int pictureX;  // the 1440 x 1080 picture's left edge
+    } captures[] = {{"1440x1080", "1", 0}, {"1920x1080", "4", 240}};
+    for (const auto& capture : captures) {
+        const std::string directory = dir_ + "/" + capture.size + "aa" + capture.samples;
+        std::vector<std::string> arguments = part13;
+        arguments.insert(arguments.end(), {"--size", capture.size, "--aa", capture.samples});
+        ASSERT_EQ(captureUntil(arguments, directory, 1), 130);
+        std::vector<PngImage> seen;
+        for (int frame : {0, 1}) {
+            const PngImage large = loadPng(directory + frameName(frame));
+            const PngImage small = loadPng(dir_ + "/small" + frameName(frame));
+            const std::vector<double> scaled = scaledDown(large, 640, 480, capture.pictureX, 0, 1440, 1080);
+            // As for the middle frames (FrameSize.A1440By1080...): edges and
+            // lines differ by up to 1.2 outside the part of lines; a picture
+            // shrunk into a corner is 30 and more away.
+            EXPECT_LE(meanAbsoluteError(scaled, small), 5.0) << capture.size << ", frame " << frame;
+            EXPECT_TRUE(barsAreBlack(large, capture.pictureX, capture.pictureX + 1440))
+                << capture.size << ", frame " << frame;
+            seen.push_back(small);
+            seen.push_back(fromDoubles(scaled, 640, 480));
+        }
+        // For people to look at: frame 0 at 640 x 480 and at this size scaled, then frame 1 the same.
+        const std::string sheet = artifactPath(std::string("first-frames-") + capture.size + "aa" +
+                                               capture.samples + ".png");
+        const PngImage all = sideBySide(seen);
+        std::string error;
+        EXPECT_TRUE(writePng(sheet, all.width, all.height, 3, all.pixels.data(), false, 1, &error)) << error;
+        std::printf("frames 0 and 1, 640x480 beside %s scaled: %s\n", capture.size, sheet.c_str());
+        std::fflush(stdout);
     }
 }
 

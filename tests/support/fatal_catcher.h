@@ -42,3 +42,7 @@ FatalError expectFatal(Body&& body) {
 
 // Where the project's test data lives (tests/data).
 std::string testDataPath(const std::string& relative);
+
+// Where a test leaves a picture or table for people to look at (made if
+// missing): KASKADE_TEST_ARTIFACTS/relative.
+std::string artifactPath(const std::string& relative);

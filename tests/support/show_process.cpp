@@ -1,0 +1,172 @@
+#include "tests/support/show_process.h"
+
+#include "tests/audio/test_sounds.h"
+
+#include <X11/Xlib.h>
+#include <X11/Xutil.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <thread>
+
+const char* const SHORT_SONG_WARNING =
+    "kaskade: harbour.mp3 lasts 20.0 s, shorter than the show (226.9 s): the show will not get past part 1\n";
+
+std::string readTextFile(const std::string& path) {
+    std::ifstream in(path);
+    std::stringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+std::string runCommand(const std::string& command) {
+    std::string output;
+    if (FILE* pipe = popen(command.c_str(), "r")) {
+        char buffer[256];
+        while (std::fgets(buffer, sizeof buffer, pipe) != nullptr) {
+            output += buffer;
+        }
+        pclose(pipe);
+    }
+    return output;
+}
+
+std::string onDisplay(const std::string& display) { return display.empty() ? "" : "DISPLAY=" + display + " "; }
+
+bool endsWithFrameRateLine(const std::string& out) {
+    const size_t at = out.rfind("fps: ");
+    if (at == std::string::npos) {
+        return false;
+    }
+    double value = -1;
+    char newline = 0;
+    return std::sscanf(out.c_str() + at, "fps: %lf%c", &value, &newline) == 2 && newline == '\n' && value >= 0;
+}
+
+std::vector<uint8_t> windowPixels(const std::string& display, const std::string& id, int* width, int* height) {
+    std::vector<uint8_t> rgb;
+    Display* x = XOpenDisplay(display.c_str());
+    if (x == nullptr) {
+        return rgb;
+    }
+    const Window window = std::stoul(id);
+    const Window root = DefaultRootWindow(x);
+    XWindowAttributes attributes{};
+    XGetWindowAttributes(x, window, &attributes);
+    *width = attributes.width;
+    *height = attributes.height;
+    rgb.resize(static_cast<size_t>(*width) * *height * 3);
+    for (size_t i = 0; i < rgb.size(); i += 3) {
+        rgb[i] = 255;
+        rgb[i + 2] = 255;
+    }
+    // Read from the root window: the show's window may stand partly off the screen.
+    int left = 0;
+    int top = 0;
+    Window child = 0;
+    XTranslateCoordinates(x, window, root, 0, 0, &left, &top, &child);
+    const int x0 = std::max(left, 0);
+    const int y0 = std::max(top, 0);
+    const int x1 = std::min(left + *width, DisplayWidth(x, DefaultScreen(x)));
+    const int y1 = std::min(top + *height, DisplayHeight(x, DefaultScreen(x)));
+    if (x1 > x0 && y1 > y0) {
+        if (XImage* image = XGetImage(x, root, x0, y0, x1 - x0, y1 - y0, AllPlanes, ZPixmap)) {
+            for (int row = y0; row < y1; ++row) {
+                for (int column = x0; column < x1; ++column) {
+                    const unsigned long pixel = XGetPixel(image, column - x0, row - y0);
+                    uint8_t* out = &rgb[(static_cast<size_t>(row - top) * *width + (column - left)) * 3];
+                    out[0] = static_cast<uint8_t>(pixel >> 16);
+                    out[1] = static_cast<uint8_t>(pixel >> 8);
+                    out[2] = static_cast<uint8_t>(pixel);
+                }
+            }
+            XDestroyImage(image);
+        }
+    }
+    XCloseDisplay(x);
+    return rgb;
+}
+
+void ShowProcess::SetUp() {
+    if (std::getenv("DISPLAY") == nullptr) {
+        GTEST_SKIP() << "needs an X display (the suite runs under xvfb-run)";
+    }
+    const std::string archive = std::string(KASKADE_SHOW_DIR) + "/3d";
+    if (access(archive.c_str(), R_OK) != 0) {
+        GTEST_SKIP() << "the show's content is not built in " << KASKADE_SHOW_DIR;
+    }
+    dir_ = makeTempDir();
+    writeMp3(dir_ + "/harbour.mp3", tone(44100 * 20, 44100, 9000, 9000));
+    ASSERT_EQ(symlink(archive.c_str(), (dir_ + "/3d").c_str()), 0);
+}
+
+void ShowProcess::TearDown() {
+    // A test that failed half-way leaves no show running behind it.
+    if (pid_ > 0 && waitpid(pid_, nullptr, WNOHANG) == 0) {
+        kill(pid_, SIGKILL);
+        waitpid(pid_, nullptr, 0);
+    }
+}
+
+void ShowProcess::start(const std::vector<std::string>& arguments, const std::string& display,
+                        const char* audioDriver) {
+    pid_ = fork();
+    if (pid_ == 0) {
+        if (chdir(dir_.c_str()) != 0) {
+            _exit(125);
+        }
+        if (freopen("out.txt", "w", stdout) == nullptr || freopen("err.txt", "w", stderr) == nullptr) {
+            _exit(125);
+        }
+        setenv("SDL_AUDIODRIVER", audioDriver, 1);
+        if (!display.empty()) {
+            setenv("DISPLAY", display.c_str(), 1);
+        }
+        std::vector<char*> argv{const_cast<char*>(KASKADE_PROGRAM)};
+        for (const std::string& argument : arguments) {
+            argv.push_back(const_cast<char*>(argument.c_str()));
+        }
+        argv.push_back(nullptr);
+        execv(KASKADE_PROGRAM, argv.data());
+        _exit(126);
+    }
+}
+
+std::string ShowProcess::window(const std::string& display) {
+    const std::string id = runCommand(onDisplay(display) +
+                                      "timeout 20 xdotool search --sync --onlyvisible --name 'kaskade \\[12\\]' "
+                                      "2>/dev/null | head -n 1");
+    return id.substr(0, id.find('\n'));
+}
+
+void ShowProcess::key(const std::string& id, const std::string& key, const std::string& display) {
+    runCommand(onDisplay(display) + "xdotool key --window " + id + " " + key + " 2>/dev/null");
+}
+
+ShowResult ShowProcess::finish(int seconds) {
+    ShowResult result;
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
+    int status = 0;
+    while (waitpid(pid_, &status, WNOHANG) == 0) {
+        if (std::chrono::steady_clock::now() > deadline) {
+            kill(pid_, SIGKILL);
+            waitpid(pid_, &status, 0);
+            ADD_FAILURE() << "kaskade did not end within " << seconds << " s";
+            break;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    pid_ = -1;
+    result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    result.signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+    result.out = readTextFile(dir_ + "/out.txt");
+    result.err = readTextFile(dir_ + "/err.txt");
+    return result;
+}

@@ -1,0 +1,56 @@
+// The real kaskade program (KASKADE_PROGRAM) run by a test on an X display of
+// its choice and seen from outside the process: its window, keys sent to it,
+// its exit, what it printed, and the pixels the screen shows of its window.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <sys/types.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+struct ShowResult {
+    int status = -1;  // the exit status, or -1 when a signal ended the process
+    int signal = 0;   // that signal
+    std::string out;
+    std::string err;
+};
+
+std::string readTextFile(const std::string& path);
+// Runs a shell command and returns what it printed.
+std::string runCommand(const std::string& command);
+// "DISPLAY=:N " for a display, "" for the test's own.
+std::string onDisplay(const std::string& display);
+
+// True when `out` ends with the end path's "fps: N.NN" line.
+bool endsWithFrameRateLine(const std::string& out);
+
+// What the screen shows of a window: red, green, blue per pixel of the window
+// (width x height of them); pixels off the screen stay at 255, 0, 255.
+std::vector<uint8_t> windowPixels(const std::string& display, const std::string& id, int* width, int* height);
+
+// A fresh folder holding the show's archive (a link to KASKADE_SHOW_DIR's) and
+// a 20-second soundtrack, so that the demo clock does not restart during a
+// test; skipped without a display or without the show's content.
+class ShowProcess : public ::testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    // Starts kaskade in the test's folder, on `display` when one is given.
+    void start(const std::vector<std::string>& arguments, const std::string& display = "",
+               const char* audioDriver = "dummy");
+    // The show's window id, waiting for it to be mapped; "" when none came.
+    std::string window(const std::string& display = "");
+    // Sends key `key` (xdotool's name) to the window.
+    void key(const std::string& id, const std::string& key, const std::string& display = "");
+    // Waits for the show to end (killing it after `seconds`, a failure).
+    ShowResult finish(int seconds = 20);
+
+    std::string dir_;
+    pid_t pid_ = -1;
+};
+
+// What the show says at start about the tests' 20-second soundtrack.
+extern const char* const SHORT_SONG_WARNING;
