@@ -38,8 +38,18 @@ bool fillsFrame(const PictureRect& picture) {
     return picture.x == 0 && picture.y == 0 && picture.width == g_target.width && picture.height == g_target.height;
 }
 
+// The picture in the target's own coordinates: OpenGL counts rows from the
+// bottom, except in an offscreen target stored top row first.
+PictureRect targetPicture() {
+    PictureRect picture = pictureRect(g_target.width, g_target.height);
+    if (!(g_target.offscreen && g_target.topDown)) {
+        picture.y = g_target.height - picture.y - picture.height;
+    }
+    return picture;
+}
+
 void applyFit() {
-    g_target.picture = pictureRect(g_target.width, g_target.height);
+    g_target.picture = targetPicture();
     const PictureRect& p = g_target.picture;
     glViewport(p.x, p.y, p.width, p.height);
     glScissor(p.x, p.y, p.width, p.height);
@@ -114,8 +124,8 @@ PictureRect pictureRect(int frameWidth, int frameHeight) {
         rect.width = frameWidth;
         rect.height = static_cast<int>(static_cast<long>(frameWidth) * 3 / 4);
     }
-    rect.x = (frameWidth - rect.width + 1) / 2;
-    rect.y = (frameHeight - rect.height + 1) / 2;
+    rect.x = (frameWidth - rect.width) / 2;
+    rect.y = (frameHeight - rect.height) / 2;
     return rect;
 }
 

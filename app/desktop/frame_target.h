@@ -13,7 +13,8 @@
 #include <cstdint>
 #include <string>
 
-// The picture's place in a frame, in pixels from the frame's lower left corner.
+// The picture's place in a frame, in pixels from the frame's top left corner,
+// as the frame is seen on the screen or in a file.
 struct PictureRect {
     int x = 0;
     int y = 0;
@@ -22,7 +23,8 @@ struct PictureRect {
 };
 
 // The largest 4:3 rectangle centred in a width x height frame (whole pixels;
-// the spare pixel of an odd margin goes to the right or top).
+// the spare pixel of an odd margin goes to the right or bottom bar, in a
+// window and in a capture alike).
 PictureRect pictureRect(int frameWidth, int frameHeight);
 
 // The window is the target, now width x height: GLUT's reshape callback.

@@ -3,6 +3,7 @@
 // failures before any window, each seen from outside the process.
 #include "audio/pcm_decoder.h"
 #include "tests/support/resident_memory.h"
+#include "tests/support/frame_compare.h"
 #include "tests/support/show_process.h"
 #include "tests/support/test_x_server.h"
 
@@ -308,6 +309,63 @@ TEST_F(ShowProcess, AWideWindowHoldsTheFourThreePictureBetweenBlackBars) {
     }
     EXPECT_EQ(litInBars, 0);
     EXPECT_GT(litInPicture, 1440L * 1080 * 9 / 10);
+}
+
+// Which columns (or rows, `rows`) of a width x height RGB frame are black throughout.
+std::vector<int> blackLines(const std::vector<uint8_t>& rgb, int width, int height, bool rows) {
+    std::vector<int> black;
+    const int lines = rows ? height : width;
+    const int along = rows ? width : height;
+    for (int line = 0; line < lines; ++line) {
+        bool dark = true;
+        for (int i = 0; i < along && dark; ++i) {
+            const size_t pixel = rows ? static_cast<size_t>(line) * width + i : static_cast<size_t>(i) * width + line;
+            dark = rgb[pixel * 3] + rgb[pixel * 3 + 1] + rgb[pixel * 3 + 2] == 0;
+        }
+        if (dark) {
+            black.push_back(line);
+        }
+    }
+    return black;
+}
+
+TEST_F(ShowProcess, AnOddMarginsSparePixelGoesToTheSameBarInAWindowAndACapture) {
+    TestXServer server(1024, 768);
+    ASSERT_TRUE(server.running());
+    const struct {
+        const char* size;
+        bool rows;
+        std::vector<int> bars;
+    } frames[] = {{"643x480", false, {0, 641, 642}}, {"640x483", true, {0, 481, 482}}};
+    for (const auto& frame : frames) {
+        // Part 13's picture has no black line of its own.
+        const std::string directory = dir_ + "/" + frame.size;
+        start({"--part", "13", "--fps", "4", "--nosound", "--size", frame.size, "--capture", directory});
+        const std::string second = directory + "/frame_00001.png";
+        for (int waited = 0; waited < 60000 && access(second.c_str(), F_OK) != 0; waited += 20) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+        kill(pid_, SIGINT);
+        EXPECT_EQ(finish().status, 130);
+        const PngImage captured = loadPng(directory + "/frame_00000.png");
+        std::vector<uint8_t> capturedRgb;
+        for (size_t i = 0; i < captured.pixels.size(); i += static_cast<size_t>(captured.channels)) {
+            capturedRgb.insert(capturedRgb.end(), &captured.pixels[i], &captured.pixels[i] + 3);
+        }
+        EXPECT_EQ(blackLines(capturedRgb, captured.width, captured.height, frame.rows), frame.bars)
+            << frame.size << " captured";
+
+        start({"--part", "13", "--nosound", "--size", frame.size}, server.display());
+        const std::string id = window(server.display());
+        ASSERT_FALSE(id.empty());
+        std::this_thread::sleep_for(std::chrono::milliseconds(1000));
+        int width = 0;
+        int height = 0;
+        const std::vector<uint8_t> rgb = windowPixels(server.display(), id, &width, &height);
+        key(id, "Escape", server.display());
+        EXPECT_EQ(finish().status, 0);
+        EXPECT_EQ(blackLines(rgb, width, height, frame.rows), frame.bars) << frame.size << " in a window";
+    }
 }
 
 TEST_F(ShowProcess, DesktopIsFullscreenAtTheDisplaysOwnSizeWithoutASwitch) {

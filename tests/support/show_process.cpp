@@ -94,6 +94,50 @@ std::vector<uint8_t> windowPixels(const std::string& display, const std::string&
     return rgb;
 }
 
+std::vector<uint8_t> windowContents(const std::string& display, const std::string& id, int* width, int* height) {
+    std::vector<uint8_t> rgb;
+    Display* x = XOpenDisplay(display.c_str());
+    if (x == nullptr || id.empty()) {
+        return rgb;
+    }
+    const Window window = std::stoul(id);
+    XWindowAttributes attributes{};
+    XGetWindowAttributes(x, window, &attributes);
+    *width = attributes.width;
+    *height = attributes.height;
+    if (XImage* image = XGetImage(x, window, 0, 0, static_cast<unsigned>(*width), static_cast<unsigned>(*height),
+                                  AllPlanes, ZPixmap)) {
+        rgb.resize(static_cast<size_t>(*width) * *height * 3);
+        for (int row = 0; row < *height; ++row) {
+            for (int column = 0; column < *width; ++column) {
+                const unsigned long pixel = XGetPixel(image, column, row);
+                uint8_t* out = &rgb[(static_cast<size_t>(row) * *width + column) * 3];
+                out[0] = static_cast<uint8_t>(pixel >> 16);
+                out[1] = static_cast<uint8_t>(pixel >> 8);
+                out[2] = static_cast<uint8_t>(pixel);
+            }
+        }
+        XDestroyImage(image);
+    }
+    XCloseDisplay(x);
+    return rgb;
+}
+
+LitPixels litPixels(const std::vector<uint8_t>& rgb, int width, int height, int x0, int y0, int x1, int y1) {
+    LitPixels lit;
+    for (int row = 0; row < height; ++row) {
+        for (int column = 0; column < width; ++column) {
+            const uint8_t* p = &rgb[(static_cast<size_t>(row) * width + column) * 3];
+            if (p[0] + p[1] + p[2] == 0) {
+                continue;
+            }
+            const bool inside = column >= x0 && column < x1 && row >= y0 && row < y1;
+            (inside ? lit.inside : lit.outside) += 1;
+        }
+    }
+    return lit;
+}
+
 void ShowProcess::SetUp() {
     if (std::getenv("DISPLAY") == nullptr) {
         GTEST_SKIP() << "needs an X display (the suite runs under xvfb-run)";

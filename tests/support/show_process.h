@@ -30,6 +30,19 @@ bool endsWithFrameRateLine(const std::string& out);
 // (width x height of them); pixels off the screen stay at 255, 0, 255.
 std::vector<uint8_t> windowPixels(const std::string& display, const std::string& id, int* width, int* height);
 
+// The window's own pixels as its X server holds them, red, green, blue (for a
+// server whose root window cannot be read, as Xwayland's); empty when it
+// cannot be read.
+std::vector<uint8_t> windowContents(const std::string& display, const std::string& id, int* width, int* height);
+
+// How many pixels of a width x height RGB frame are not black inside the
+// rectangle x0..x1, y0..y1 (exclusive ends) and outside it.
+struct LitPixels {
+    long inside = 0;
+    long outside = 0;
+};
+LitPixels litPixels(const std::vector<uint8_t>& rgb, int width, int height, int x0, int y0, int x1, int y1);
+
 // A fresh folder holding the show's archive (a link to KASKADE_SHOW_DIR's) and
 // a 20-second soundtrack, so that the demo clock does not restart during a
 // test; skipped without a display or without the show's content.

@@ -1,0 +1,117 @@
+// The show under a window manager (openbox, decorations on, on a 1280 x 1024
+// screen that offers no 640 x 480 mode): fullscreen is the window manager's
+// (_NET_WM_STATE_FULLSCREEN) and covers the screen, a window the window
+// manager resizes refits its picture, and a capture's first frame is whole
+// whatever the window manager does to its preview window.
+#include "tests/desktops/desktop_rig.h"
+#include "tests/support/fatal_catcher.h"
+#include "tests/support/frame_compare.h"
+#include "tests/support/show_process.h"
+
+#include <signal.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <thread>
+
+namespace {
+
+class WindowManager : public ShowProcess {
+protected:
+    void SetUp() override {
+        ShowProcess::SetUp();
+        if (IsSkipped()) {
+            return;
+        }
+        std::string whyNot;
+        rig_ = DesktopRig::start(DesktopRig::Kind::Openbox, dir_, &whyNot);
+        if (rig_ == nullptr) {
+            GTEST_SKIP() << "skipped: " << whyNot;
+        }
+    }
+
+    // Geometry as xdotool tells it: "Geometry: WxH".
+    std::string geometry(const std::string& id) {
+        const std::string text = runCommand(onDisplay(rig_->display()) + "xdotool getwindowgeometry " + id);
+        const size_t at = text.find("Geometry: ");
+        return at == std::string::npos ? "" : text.substr(at + 10, text.find('\n', at) - at - 10);
+    }
+
+    bool geometryBecomes(const std::string& id, const std::string& wanted) {
+        for (int waited = 0; waited < 5000; waited += 50) {
+            if (geometry(id) == wanted) {
+                return true;
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        }
+        return false;
+    }
+
+    // Captures frames 0 to 2 of part 13 at `size` on the rig's display.
+    void captureStart(const std::string& size, const std::string& directory) {
+        start({"--part", "13", "--fps", "4", "--nosound", "--size", size, "--capture", directory}, rig_->display());
+        const std::string third = directory + "/frame_00002.png";
+        for (int waited = 0; waited < 60000 && access(third.c_str(), F_OK) != 0; waited += 50) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        }
+        kill(pid_, SIGINT);
+        EXPECT_EQ(finish().status, 130) << size;
+    }
+
+    std::unique_ptr<DesktopRig> rig_;
+};
+
+TEST_F(WindowManager, FullscreenIsTheWindowManagersAndCoversTheScreen) {
+    start({}, rig_->display());
+    const std::string id = window(rig_->display());
+    ASSERT_FALSE(id.empty());
+    EXPECT_TRUE(geometryBecomes(id, "1280x1024")) << geometry(id);
+    EXPECT_NE(runCommand(onDisplay(rig_->display()) + "xprop -id " + id + " _NET_WM_STATE")
+                  .find("_NET_WM_STATE_FULLSCREEN"),
+              std::string::npos);
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    int width = 0;
+    int height = 0;
+    const std::vector<uint8_t> rgb = windowPixels(rig_->display(), id, &width, &height);
+    key(id, "Escape", rig_->display());
+    EXPECT_EQ(finish().status, 0);
+    ASSERT_EQ(width, 1280);
+    ASSERT_EQ(height, 1024);
+    // The 1280 x 960 picture between bars of 32 rows.
+    const LitPixels lit = litPixels(rgb, width, height, 0, 32, 1280, 992);
+    EXPECT_EQ(lit.outside, 0);
+    EXPECT_GT(lit.inside, 1280L * 960 * 9 / 10);
+}
+
+TEST_F(WindowManager, AWindowTheWindowManagerResizesRefitsItsPicture) {
+    start({"--window", "--nosound"}, rig_->display());
+    const std::string id = window(rig_->display());
+    ASSERT_FALSE(id.empty());
+    runCommand(onDisplay(rig_->display()) + "xdotool windowsize " + id + " 1000 500");
+    ASSERT_TRUE(geometryBecomes(id, "1000x500")) << geometry(id);
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    int width = 0;
+    int height = 0;
+    const std::vector<uint8_t> rgb = windowPixels(rig_->display(), id, &width, &height);
+    key(id, "Escape", rig_->display());
+    EXPECT_EQ(finish().status, 0);
+    ASSERT_EQ(width, 1000);
+    // 666 x 500 from x = 167: the spare pixel of the odd margin on the right.
+    const LitPixels lit = litPixels(rgb, width, height, 167, 0, 833, 500);
+    EXPECT_EQ(lit.outside, 0);
+    EXPECT_GT(lit.inside, 666L * 500 * 9 / 10);
+}
+
+TEST_F(WindowManager, ACapturesFirstFrameIsWholeWhateverTheWindowManagerDoes) {
+    captureStart("640x480", dir_ + "/small");
+    captureStart("1440x1080", dir_ + "/large");
+    for (int frame : {0, 1}) {
+        const std::string name = "/frame_0000" + std::to_string(frame) + ".png";
+        const PngImage large = loadPng(dir_ + "/large" + name);
+        const PngImage small = loadPng(dir_ + "/small" + name);
+        ASSERT_EQ(large.width, 1440);
+        EXPECT_LE(meanAbsoluteError(scaledDown(large, 640, 480), small), 5.0) << "frame " << frame;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,97 @@
+// The show on a Wayland desktop through Xwayland (weston, headless, 1280 x
+// 1024): Xwayland only emulates a mode change for the windows of the client
+// that asks, so the show asks from its window's own connection; weston does
+// not scale such windows, and the show fills the output at its real size, 4:3.
+// The screen is as it was after the show, however it ends.
+#include "tests/desktops/crtc_table.h"
+#include "tests/desktops/desktop_rig.h"
+#include "tests/support/show_process.h"
+
+#include <signal.h>
+
+#include <chrono>
+#include <thread>
+
+namespace {
+
+class Xwayland : public ShowProcess {
+protected:
+    void SetUp() override {
+        ShowProcess::SetUp();
+        if (IsSkipped()) {
+            return;
+        }
+        std::string whyNot;
+        rig_ = DesktopRig::start(DesktopRig::Kind::Xwayland, dir_, &whyNot);
+        if (rig_ == nullptr) {
+            GTEST_SKIP() << "skipped: " << whyNot;
+        }
+    }
+
+    std::string xrandr() { return runCommand(onDisplay(rig_->display()) + "xrandr 2>&1"); }
+
+    std::unique_ptr<DesktopRig> rig_;
+};
+
+TEST_F(Xwayland, FullscreenWindowedAndDesktopShowsDrawTheirPictureAndLeaveTheScreenAsItWas) {
+    const struct {
+        std::vector<std::string> arguments;
+        int width;
+        int height;
+        int pictureTop;  // the 4:3 picture's first row
+        int pictureHeight;
+    } runs[] = {{{}, 1280, 1024, 32, 960}, {{"--window"}, 640, 480, 0, 480}, {{"--desktop"}, 1280, 1024, 32, 960}};
+    const CrtcTable before = readCrtcTable(rig_->display());
+    const std::string xrandrBefore = xrandr();
+    ASSERT_FALSE(before.crtcs.empty());
+    for (const auto& run : runs) {
+        const std::string name = run.arguments.empty() ? "no arguments" : run.arguments[0];
+        start(run.arguments, rig_->display());
+        const std::string id = window(rig_->display());
+        ASSERT_FALSE(id.empty()) << name;
+        int width = 0;
+        int height = 0;
+        std::vector<uint8_t> rgb;
+        for (int waited = 0; waited < 5000; waited += 100) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+            rgb = windowContents(rig_->display(), id, &width, &height);
+            if (width == run.width && height == run.height && waited >= 1000) {
+                break;
+            }
+        }
+        if (run.arguments.empty()) {
+            // The mode was asked for from the window's own connection: Xwayland
+            // marks the show's window for a compositor that would scale it.
+            EXPECT_NE(runCommand(onDisplay(rig_->display()) + "xprop -id " + id + " _XWAYLAND_RANDR_EMU_MONITOR_RECTS")
+                          .find("= 0, 0, 640, 480"),
+                      std::string::npos);
+        }
+        key(id, "Escape", rig_->display());
+        const ShowResult result = finish();
+        EXPECT_EQ(result.status, 0) << name;
+        ASSERT_EQ(width, run.width) << name;
+        ASSERT_EQ(height, run.height) << name;
+        ASSERT_FALSE(rgb.empty()) << name << ": the window's pixels cannot be read";
+        const LitPixels lit =
+            litPixels(rgb, width, height, 0, run.pictureTop, width, run.pictureTop + run.pictureHeight);
+        EXPECT_EQ(lit.outside, 0) << name;
+        EXPECT_GT(lit.inside, static_cast<long>(width) * run.pictureHeight * 9 / 10) << name;
+        EXPECT_EQ(readCrtcTable(rig_->display()), before) << name;
+        EXPECT_EQ(xrandr(), xrandrBefore) << name;
+    }
+}
+
+TEST_F(Xwayland, AKilledShowLeavesTheScreenAsItWas) {
+    const CrtcTable before = readCrtcTable(rig_->display());
+    const std::string xrandrBefore = xrandr();
+    start({}, rig_->display());
+    ASSERT_FALSE(window(rig_->display()).empty());
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    kill(pid_, SIGKILL);
+    EXPECT_EQ(finish().signal, SIGKILL);
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    EXPECT_EQ(readCrtcTable(rig_->display()), before);
+    EXPECT_EQ(xrandr(), xrandrBefore);
+}
+
+}  // namespace
