@@ -1,7 +1,7 @@
 // The fullscreen show (no arguments) on a screen of several monitors: during
 // the show only the primary monitor is at 640 x 480, the show's window over
 // it, every other monitor as it was; after every way out (Escape, SIGTERM, a
-// fatal report, a crash, SIGKILL) every CRTC is as it was, modes, refresh
+// fatal report, a crash, SIGKILL, a lost X connection) every CRTC is as it was, modes, refresh
 // rates, positions, rotations, outputs and the primary output alike.
 #include "tests/desktops/crtc_table.h"
 #include "tests/desktops/desktop_rig.h"
@@ -18,7 +18,7 @@
 
 namespace {
 
-enum class WayOut { Escape, Terminate, FatalReport, Crash, Kill };
+enum class WayOut { Escape, Terminate, FatalReport, Crash, Kill, LostConnection };
 
 const char* nameOf(WayOut way) {
     switch (way) {
@@ -27,6 +27,7 @@ const char* nameOf(WayOut way) {
         case WayOut::FatalReport: return "a fatal report";
         case WayOut::Crash: return "SIGSEGV";
         case WayOut::Kill: return "SIGKILL";
+        case WayOut::LostConnection: return "a lost X connection";
     }
     return "?";
 }
@@ -110,12 +111,16 @@ protected:
             case WayOut::Terminate: kill(pid_, SIGTERM); break;
             case WayOut::Crash: kill(pid_, SIGSEGV); break;
             case WayOut::Kill: kill(pid_, SIGKILL); break;
+            case WayOut::LostConnection:
+                // What xkill does: the server closes the show's connection.
+                runCommand(onDisplay(display) + "xdotool windowkill " + window(display));
+                break;
             case WayOut::FatalReport: break;
         }
         const ShowResult result = finish();
-        // The show gives the screen back before it ends; after SIGKILL its
-        // guard does, a moment later.
-        if (way == WayOut::Kill) {
+        // The show gives the screen back before it ends; after SIGKILL or
+        // without its connection its guard does, a moment later.
+        if (way == WayOut::Kill || way == WayOut::LostConnection) {
             within(2000, [&] { return readCrtcTable(display) == before; });
         }
         const CrtcTable after = readCrtcTable(display);
@@ -130,6 +135,7 @@ protected:
                 break;
             case WayOut::Crash: EXPECT_EQ(result.signal, SIGSEGV); break;
             case WayOut::Kill: EXPECT_EQ(result.signal, SIGKILL); break;
+            case WayOut::LostConnection: EXPECT_EQ(result.status, 1) << result.err; break;
         }
         *notes += std::string("== ") + nameOf(way) + "\nbefore:\n" + before.text() + "during:\n" +
                   (during.screen.empty() ? "(the report ends the show at its start)\n" : during.text()) +
@@ -145,7 +151,8 @@ protected:
 TEST_P(SeveralMonitors, OnlyThePrimaryMonitorSwitchesAndEveryWayOutGivesTheScreenBack) {
     const bool three = GetParam() == DesktopRig::Kind::ThreeMonitors;
     std::string notes;
-    for (WayOut way : {WayOut::Escape, WayOut::Terminate, WayOut::FatalReport, WayOut::Crash, WayOut::Kill}) {
+    for (WayOut way : {WayOut::Escape, WayOut::Terminate, WayOut::FatalReport, WayOut::Crash, WayOut::Kill,
+                       WayOut::LostConnection}) {
         runTo(way, three ? "2304+0" : "0+0", &notes);
     }
     const std::string path = artifactPath(three ? "three-monitors.txt" : "two-monitors.txt");
