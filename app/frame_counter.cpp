@@ -1,14 +1,18 @@
 #include "app/shell.h"
 
-#include "audio/clock.h"
+#include <chrono>
 
-int32_t g_frameCount = 0;
-int32_t g_fpsStartClock = 0;
+int64_t g_frameCount = 0;
+int64_t g_fpsStartClock = 0;
 
 namespace {
 // Wall-clock milliseconds; the frame rate is measured against real time even
-// when the demo clock steps frame by frame.
-int32_t wallMillis() { return static_cast<int32_t>(monotonicMillis()); }
+// when the demo clock steps frame by frame. 64 bits: a looping show runs for weeks.
+int64_t wallMillis() {
+    return std::chrono::duration_cast<std::chrono::milliseconds>(
+               std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
 }  // namespace
 
 void startFrameCounter() {
@@ -16,13 +20,12 @@ void startFrameCounter() {
     g_fpsStartClock = wallMillis();
 }
 
-double framesPerSecondAt(int32_t frames, int32_t startMillis, int32_t nowMillis) {
-    const int32_t elapsed = static_cast<int32_t>(static_cast<uint32_t>(nowMillis) - static_cast<uint32_t>(startMillis));
-    if (frames == 0 || elapsed <= 0) {
+double framesPerSecondAt(int64_t frames, int64_t startMillis, int64_t nowMillis) {
+    const int64_t elapsed = nowMillis - startMillis;
+    if (frames <= 0 || elapsed <= 0) {
         return 0.0;
     }
-    const int32_t scaled = static_cast<int32_t>(static_cast<uint32_t>(frames) * 1000u);
-    return static_cast<double>(scaled) / static_cast<double>(elapsed);
+    return static_cast<double>(frames * 1000) / static_cast<double>(elapsed);
 }
 
 double framesPerSecond() { return framesPerSecondAt(g_frameCount, g_fpsStartClock, wallMillis()); }

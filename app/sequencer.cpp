@@ -4,7 +4,7 @@
 #include "parts/parts.h"
 
 int32_t g_partCounter = 0;
-volatile std::sig_atomic_t g_endRequested = 0;
+std::atomic<bool> g_endRequested{false};
 float g_partStart = 0.0f;
 float g_partTime = 0.0f;
 

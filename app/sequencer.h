@@ -5,17 +5,20 @@
 // 2k-1 part k playing; PART_COUNTER_END the end.
 #pragma once
 
-#include <csignal>
+#include <atomic>
 #include <cstdint>
 
 constexpr int32_t PART_COUNT = 13;
 constexpr int32_t PART_COUNTER_END = 26;
 
 extern int32_t g_partCounter;
-// Set from outside the frame loop (a signal handler) to end the show: the next
+// Set from outside the frame loop (a signal handler, on whichever thread takes
+// the signal, or a capture whose encoder stopped) to end the show: the next
 // onFrame moves the counter to PART_COUNTER_END and runs the end path. A part
-// set up in the meantime finishes its set-up first.
-extern volatile std::sig_atomic_t g_endRequested;
+// set up in the meantime finishes its set-up first. Lock-free, so a signal
+// handler may set it.
+extern std::atomic<bool> g_endRequested;
+static_assert(std::atomic<bool>::is_always_lock_free);
 // The part-local clock, in demo-time units: every set-up ends with
 // g_partStart = g_partTime; every draw step sets g_partTime = g_demoTime - g_partStart.
 extern float g_partStart;

@@ -7,8 +7,11 @@
 struct Library;
 
 extern int32_t g_fullscreen;     // 1: fullscreen after a display-mode switch; 0 (any argument): windowed
-extern int32_t g_frameCount;     // frames drawn since startFrameCounter; every draw step adds 1 before its swap
-extern int32_t g_fpsStartClock;  // milliseconds, the wall clock's reading at startFrameCounter
+// Frames drawn since startFrameCounter; every draw step adds 1 before its
+// swap. 64 bits, so that a show looping for months counts on (2^31 frames
+// are ten hours at 60 frames/s).
+extern int64_t g_frameCount;
+extern int64_t g_fpsStartClock;  // milliseconds, the wall clock's reading at startFrameCounter
 extern Library* g_library;       // the one archive record, allocated by initGlState, never freed
 
 // The start state every demo part begins from, and the archive record.
@@ -25,6 +28,6 @@ void onWindowClose();
 void startFrameCounter();
 // Average frames per second since startFrameCounter.
 double framesPerSecond();
-// (frames * 1000, as a 32-bit int) / (nowMillis - startMillis, as a 32-bit int),
-// in double; 0 when no frame was counted or no time has passed.
-double framesPerSecondAt(int32_t frames, int32_t startMillis, int32_t nowMillis);
+// (frames * 1000) / (nowMillis - startMillis), in double, every term in 64
+// bits; 0 when no frame was counted or no time has passed.
+double framesPerSecondAt(int64_t frames, int64_t startMillis, int64_t nowMillis);

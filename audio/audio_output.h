@@ -42,10 +42,12 @@ void audioChannelPlay(AudioHandle channel, bool loop);
 // told or for a handle that names no channel.
 uint32_t audioChannelGetLength(AudioHandle channel);
 
-// The channel plays on from `millis` into its song (wrapped at its length);
+// The channel plays on from `millis` into its song (wrapped at its length),
+// or from as near it as the song allows (a tracker module starts at a row);
 // its level history starts again in silence. Looping and the end sync work as
-// from the start.
-void audioChannelSetPosition(AudioHandle channel, uint32_t millis);
+// from the start. Returns the position it plays on from, in milliseconds into
+// the song; 0 for a handle that names no channel.
+uint32_t audioChannelSetPosition(AudioHandle channel, uint32_t millis);
 
 // Peak level of the channel over the most recent 20 ms it played: left in the
 // low 16 bits, right in the high 16 bits, each 0..128. 0xFFFFFFFF for a handle

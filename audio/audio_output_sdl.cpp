@@ -157,20 +157,21 @@ uint32_t audioChannelGetLength(AudioHandle handle) {
                                  OUTPUT_RATE);
 }
 
-void audioChannelSetPosition(AudioHandle handle, uint32_t millis) {
+uint32_t audioChannelSetPosition(AudioHandle handle, uint32_t millis) {
     std::lock_guard<std::mutex> lock(g_mixerMutex);
     Channel* channel = channelFor(handle);
     if (channel == nullptr) {
-        return;
+        return 0;
     }
     const size_t length = sourceLength(*channel->source);
     size_t frame = static_cast<size_t>(static_cast<uint64_t>(millis) * OUTPUT_RATE / 1000);
     if (length > 0) {
         frame %= length;
     }
-    seekSource(*channel->source, frame);
+    const size_t reached = seekSource(*channel->source, frame);
     std::memset(channel->history, 0, sizeof channel->history);
     channel->historyNext = 0;
+    return static_cast<uint32_t>((static_cast<uint64_t>(reached) * 1000 + OUTPUT_RATE / 2) / OUTPUT_RATE);
 }
 
 uint32_t audioChannelGetLevel(AudioHandle handle) {

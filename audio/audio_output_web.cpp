@@ -114,10 +114,10 @@ uint32_t audioChannelGetLength(AudioHandle handle) {
     return channel != nullptr ? channel->lengthMillis : 0;
 }
 
-void audioChannelSetPosition(AudioHandle handle, uint32_t millis) {
+uint32_t audioChannelSetPosition(AudioHandle handle, uint32_t millis) {
     SongChannel* channel = channelFor(handle);
     if (channel == nullptr) {
-        return;
+        return 0;
     }
     const uint32_t offset = channel->lengthMillis > 0 ? millis % channel->lengthMillis : 0;
     if (channel->playing) {
@@ -125,6 +125,7 @@ void audioChannelSetPosition(AudioHandle handle, uint32_t millis) {
     } else {
         channel->startOffset = offset;
     }
+    return offset;
 }
 
 uint32_t audioChannelGetLevel(AudioHandle handle) {

@@ -43,9 +43,16 @@ void startMusic() {
 void startMusicAt(uint32_t positionMillis) {
     const AudioHandle channel = g_stream != 0 ? g_stream : g_music;
     audioStart();
-    audioChannelSetPosition(channel, positionMillis);
+    // The clock follows where the music really starts: a module seeks to a
+    // row, up to a row's length (0.1 to 0.2 s) from the time asked for.
+    uint32_t startsAt = positionMillis;
+    if (channel != 0) {
+        const uint32_t length = audioChannelGetLength(channel);
+        const uint32_t asked = length > 0 ? positionMillis % length : positionMillis;
+        startsAt = positionMillis - asked + audioChannelSetPosition(channel, positionMillis);
+    }
     audioChannelPlay(channel, true);
-    g_musicStartTick = g_millisecondClock() - positionMillis;
+    g_musicStartTick = g_millisecondClock() - startsAt;
 }
 
 uint32_t soundtrackMillis() { return audioChannelGetLength(g_stream != 0 ? g_stream : g_music); }

@@ -158,12 +158,14 @@ size_t sourceLength(SoundSource& source) {
     return length > 0 ? static_cast<size_t>(length) : 0;
 }
 
-void seekSource(SoundSource& source, size_t frame) {
+size_t seekSource(SoundSource& source, size_t frame) {
     if (source.module != nullptr) {
-        openmpt_module_set_position_seconds(source.module, static_cast<double>(frame) / OUTPUT_RATE_HZ);
-        return;
+        const double reached =
+            openmpt_module_set_position_seconds(source.module, static_cast<double>(frame) / OUTPUT_RATE_HZ);
+        return reached > 0.0 ? static_cast<size_t>(std::llround(reached * OUTPUT_RATE_HZ)) : 0;
     }
-    mpg123_seek(source.mp3, static_cast<off_t>(frame), SEEK_SET);
+    const off_t reached = mpg123_seek(source.mp3, static_cast<off_t>(frame), SEEK_SET);
+    return reached >= 0 ? static_cast<size_t>(reached) : frame;
 }
 
 size_t readSource(SoundSource& source, int16_t* out, size_t frames) {

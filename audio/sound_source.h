@@ -29,8 +29,10 @@ void closeSource(SoundSource* source);
 // The song's length in stereo frames; 0 when it cannot be told.
 size_t sourceLength(SoundSource& source);
 
-// Reading goes on from stereo frame `frame` of the song (0 is its start).
-void seekSource(SoundSource& source, size_t frame);
+// Reading goes on from stereo frame `frame` of the song (0 is its start), or
+// from as near it as the song allows: a module only starts at a row. Returns
+// the frame reading goes on from.
+size_t seekSource(SoundSource& source, size_t frame);
 
 // Reads up to `frames` stereo frames into `out` (2 * frames samples) and
 // returns how many were read. 0 means the song's end was reached: the next

@@ -5,6 +5,7 @@
 #include "app/desktop/frame_writer.h"
 #include "app/desktop/png_file.h"
 #include "app/desktop/video_encoder.h"
+#include "app/sequencer.h"
 #include "app/status_line.h"
 #include "parts/part_schedule.h"
 
@@ -17,6 +18,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <mutex>
+#include <thread>
 #include <sstream>
 #include <vector>
 
@@ -25,6 +28,7 @@ namespace {
 constexpr int PNG_LEVEL = 1;   // fast: frames are many, disk is cheap
 constexpr int WRITER_SLOTS = 4;
 constexpr int PREVIEW_EVERY = 15;  // frames between two looks at the capture in the window
+constexpr int ENCODER_END_WAIT_MS = 500;
 
 struct Capture {
     bool active = false;
@@ -36,8 +40,44 @@ struct Capture {
     float demoTime = 0.0f;       // of the last frame captured
     std::chrono::steady_clock::time_point started;
     std::chrono::steady_clock::time_point lastProgress;
+    std::string failure;  // why the writer stopped, from its thread (under g_failureMutex)
+    bool reported = false;  // the one line about a failure is out
 };
 Capture g_capture;
+std::mutex g_failureMutex;
+
+// From the writer's thread: why it stops.
+void noteFailure(const std::string& why) {
+    std::lock_guard<std::mutex> lock(g_failureMutex);
+    if (g_capture.failure.empty()) {
+        g_capture.failure = why;
+    }
+}
+
+// The one line that says why the capture stopped short.
+void reportFailure(const std::string& fallback) {
+    if (g_capture.reported) {
+        return;
+    }
+    g_capture.reported = true;
+    std::string why;
+    {
+        std::lock_guard<std::mutex> lock(g_failureMutex);
+        why = g_capture.failure;
+    }
+    if (g_capture.video) {
+        // Its pipe closes a moment before the encoder's end can be told.
+        std::string state = childState(g_capture.encoder.ffmpeg);
+        for (int waited = 0; state == "runs" && waited < ENCODER_END_WAIT_MS; waited += 10) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+            state = childState(g_capture.encoder.ffmpeg);
+        }
+        why = "the video encoder (ffmpeg) " + (state == "runs" ? std::string("stopped reading its frames") : state);
+    }
+    endProgressLine();
+    std::fprintf(stderr, "kaskade: %s: %s; the capture ends after frame %ld\n", g_capture.settings.path.c_str(),
+                 why.empty() ? fallback.c_str() : why.c_str(), g_capture.frames - 1);
+}
 
 bool makeDirectories(const std::string& path) {
     std::string partial;
@@ -62,7 +102,7 @@ bool makeDirectories(const std::string& path) {
 bool writeVideoFrame(const uint8_t* pixels, long) {
     const CaptureSettings& s = g_capture.settings;
     if (!encodeFrame(g_capture.encoder, pixels, static_cast<size_t>(s.width) * s.height * 4)) {
-        std::fprintf(stderr, "\nkaskade: %s: the video encoder stopped\n", s.path.c_str());
+        noteFailure("the video encoder stopped reading");
         return false;
     }
     return true;
@@ -74,7 +114,7 @@ bool writePngFrame(const uint8_t* pixels, long frame) {
     std::snprintf(name, sizeof name, "/frame_%05ld.png", frame);
     std::string failure;
     if (!writePng(s.path + name, s.width, s.height, 4, pixels, false, PNG_LEVEL, &failure)) {
-        std::fprintf(stderr, "\nkaskade: %s\n", failure.c_str());
+        noteFailure(failure);
         return false;
     }
     return true;
@@ -165,6 +205,13 @@ void captureFrame(float demoTime) {
     }
     ++g_capture.frames;
     g_capture.demoTime = demoTime;
+    // A writer that failed (the encoder died, the disk is full) ends the show
+    // at the next frame instead of drawing the rest for nothing.
+    if (g_capture.writer->failed()) {
+        reportFailure("the frames could not be written");
+        g_endRequested = true;
+        return;
+    }
     printProgress(demoTime, false);
 }
 
@@ -177,11 +224,12 @@ bool finishCapture() {
     g_capture.writer.reset();
     printProgress(g_capture.demoTime, true);
     endProgressLine();
-    if (g_capture.video) {
-        ok = finishVideoEncoder(g_capture.encoder) && ok;
-        if (!ok) {
-            std::fprintf(stderr, "kaskade: %s: the video could not be written\n", g_capture.settings.path.c_str());
-        }
+    if (!ok) {
+        reportFailure("the frames could not be written");
+    }
+    if (g_capture.video && !finishVideoEncoder(g_capture.encoder) && ok) {
+        ok = false;
+        std::fprintf(stderr, "kaskade: %s: the video could not be written\n", g_capture.settings.path.c_str());
     }
     return ok;
 }

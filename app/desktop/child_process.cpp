@@ -3,6 +3,7 @@
 #include "app/desktop/signals.h"
 
 #include <cerrno>
+#include <cstring>
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -105,12 +106,32 @@ bool finishChild(ChildProcess& child) {
     if (child.pid <= 0) {
         return false;
     }
-    int status = 0;
-    pid_t waited = -1;
+    // Wait without reaping, forget the pid, then reap: until it is reaped the
+    // pid cannot be given to another process, so a second Ctrl-C in between
+    // never signals a stranger.
+    siginfo_t ended{};
+    int waited = -1;
     do {
-        waited = waitpid(child.pid, &status, 0);
+        waited = waitid(P_PID, static_cast<id_t>(child.pid), &ended, WEXITED | WNOWAIT);
     } while (waited < 0 && errno == EINTR);
     setChildToStopOnExit(0);
+    int status = 0;
+    pid_t reaped = -1;
+    do {
+        reaped = waitpid(child.pid, &status, 0);
+    } while (reaped < 0 && errno == EINTR);
     child.pid = -1;
-    return waited > 0 && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    return reaped > 0 && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+std::string childState(const ChildProcess& child) {
+    siginfo_t ended{};
+    if (child.pid <= 0 ||
+        waitid(P_PID, static_cast<id_t>(child.pid), &ended, WEXITED | WNOHANG | WNOWAIT) != 0 || ended.si_pid == 0) {
+        return "runs";
+    }
+    if (ended.si_code == CLD_EXITED) {
+        return "exited with status " + std::to_string(ended.si_status);
+    }
+    return "was killed by signal " + std::to_string(ended.si_status) + " (" + strsignal(ended.si_status) + ")";
 }

@@ -24,3 +24,7 @@ bool writeAll(int fd, const void* bytes, size_t size);
 
 // Closes the child's inputs and waits for it; true when it exited with status 0.
 bool finishChild(ChildProcess& child);
+
+// How the child ended, without reaping it: "exited with status 1", "was
+// killed by signal 9 (Killed)"; "runs" while it runs.
+std::string childState(const ChildProcess& child);

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -57,6 +58,8 @@ void restore(const ScreenLayout& original) {
 // In the new process: out of the terminal's reach, holding only its two pipe ends.
 [[noreturn]] void becomeGuard(const ScreenLayout& original, int commands, int replies) {
     setpgid(0, 0);
+    // Its own name: `killall kaskade` (even -9) must not take the guard with the show.
+    prctl(PR_SET_NAME, "kaskade-guard");
     for (int signal : ENDING_SIGNALS) {
         ::signal(signal, SIG_IGN);
     }

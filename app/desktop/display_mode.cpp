@@ -205,12 +205,32 @@ void restoreDisplayMode() {
     if (g_switched.connectionLost || g_switched.display == nullptr) {
         return;  // the guard restores through its own connection
     }
-    if (setScreenLayout(g_switched.display, g_switched.original)) {
+    // The window's connection is gone once freeglut has closed it (its own
+    // fatal errors do before they exit): then a connection of our own.
+    Display* display = g_switched.display;
+    const bool borrowed = !g_switched.ownConnection && glXGetCurrentDisplay() != display;
+    if (borrowed) {
+        display = XOpenDisplay(nullptr);
+    }
+    if (display != nullptr && setScreenLayout(display, g_switched.original)) {
         displayGuardRelease();
+    }
+    if (borrowed && display != nullptr) {
+        XCloseDisplay(display);
     }
     if (g_switched.ownConnection) {
         XCloseDisplay(g_switched.display);
-        g_switched.display = nullptr;
+    }
+    g_switched.display = nullptr;
+}
+
+void restoreDisplayModeAfterCrash() {
+    if (!g_switched.asked || g_switched.connectionLost) {
+        return;
+    }
+    if (Display* display = XOpenDisplay(nullptr)) {
+        setScreenLayout(display, g_switched.original);
+        XCloseDisplay(display);
     }
 }
 

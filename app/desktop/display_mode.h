@@ -26,5 +26,10 @@ int setDisplayMode(int width, int height, int bitsPerPixel);
 // guard go; nothing when nothing was switched.
 void restoreDisplayMode();
 
+// In a crash handler when no guard answered: the saved layout set back through
+// a new connection (the show's own may be stopped in the middle of a request).
+// Not async-signal-safe: the caller bounds it with an alarm.
+void restoreDisplayModeAfterCrash();
+
 // The X connection is lost: a restore is left to the guard, which has its own.
 void displayConnectionLost();

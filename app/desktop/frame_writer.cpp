@@ -8,7 +8,7 @@
 struct FrameWriter::Impl {
     Write write;
     std::vector<std::vector<uint8_t>> slots;
-    std::mutex mutex;
+    mutable std::mutex mutex;
     std::condition_variable changed;
     std::deque<uint8_t*> free;
     std::deque<std::pair<uint8_t*, long>> queued;
@@ -75,4 +75,9 @@ bool FrameWriter::finish() {
         impl_->thread.join();
     }
     return !impl_->failed;
+}
+
+bool FrameWriter::failed() const {
+    std::lock_guard<std::mutex> lock(impl_->mutex);
+    return impl_->failed;
 }

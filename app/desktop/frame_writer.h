@@ -28,6 +28,8 @@ public:
     void submit(uint8_t* slot, long frame);
     // Writes what is queued; false when any write failed.
     bool finish();
+    // True once a write failed (the writer then drops the rest).
+    bool failed() const;
 
 private:
     struct Impl;

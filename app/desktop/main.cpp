@@ -3,6 +3,7 @@
 #include "app/desktop/capture.h"
 #include "app/desktop/display_mode.h"
 #include "app/desktop/frame_target.h"
+#include "app/desktop/give_back.h"
 #include "app/desktop/multisample.h"
 #include "app/desktop/options.h"
 #include "app/desktop/show_loop.h"
@@ -51,6 +52,7 @@ void startFixedStep(const ShowOptions& options) {
 // visual). The fullscreen show opens on the primary monitor.
 void openWindow(int* argc, char** argv, const ShowOptions& options) {
     glutInit(argc, argv);
+    watchDisplayConnection();
     unsigned int mode = GLUT_RGB | GLUT_DOUBLE | GLUT_DEPTH;
     const bool capturing = !options.capturePath.empty();
     if (options.samples > 1 && !capturing) {
@@ -139,7 +141,7 @@ int main(int argc, char** argv) {
         return 2;
     }
     installEndSignals();
-    setFatalGiveBack(restoreDisplayMode);
+    installGiveBack();
     g_verbose = options.verbose;
     g_soundEnabled = !options.noSound && options.fps == 0;
     if (options.fps != 0) {

@@ -1,33 +1,57 @@
 #include "app/desktop/signals.h"
 
 #include "app/desktop/display_guard.h"
+#include "app/desktop/display_mode.h"
 #include "app/sequencer.h"
 
 #include <signal.h>
 #include <unistd.h>
 
+#include <atomic>
+
 namespace {
 
-volatile sig_atomic_t g_endSignal = 0;     // the first ending signal
-volatile sig_atomic_t g_endPathRunning = 0;
-volatile sig_atomic_t g_child = 0;
+// Written by the handlers on whichever thread takes a signal: lock-free atomics.
+std::atomic<int> g_endSignal{0};      // the ending signal that started the end, if one did
+std::atomic<int> g_laterSignal{0};    // one that came while the end was already under way
+std::atomic<bool> g_endPathRunning{false};
+std::atomic<pid_t> g_child{0};
+static_assert(std::atomic<int>::is_always_lock_free && std::atomic<pid_t>::is_always_lock_free);
 
 constexpr int ENDING_SIGNALS[] = {SIGINT, SIGTERM, SIGHUP};
 constexpr int CRASH_SIGNALS[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT};
+constexpr unsigned CRASH_RESTORE_SECONDS = 2;
 
-void onEndingSignal(int signal) {
-    if (g_endSignal != 0 || g_endPathRunning) {
-        if (g_child > 0) {
-            kill(static_cast<pid_t>(g_child), SIGTERM);
-        }
-        _exit(128 + signal);
+[[noreturn]] void endAtOnce(int signal) {
+    const pid_t child = g_child.load();
+    if (child > 0) {
+        kill(child, SIGTERM);
     }
-    g_endSignal = signal;
-    g_endRequested = 1;
+    _exit(128 + signal);
+}
+
+// The first ending signal ends the show at the next frame, or lets an end
+// already under way finish; only a second one ends the process at once.
+void onEndingSignal(int signal) {
+    if (g_endSignal.load() != 0 || g_laterSignal.load() != 0) {
+        endAtOnce(signal);
+    }
+    if (g_endPathRunning.load()) {
+        g_laterSignal.store(signal);
+        return;
+    }
+    g_endSignal.store(signal);
+    g_endRequested.store(true);
 }
 
 void onCrash(int signal) {
-    displayGuardRestoreNow();
+    if (!displayGuardRestoreNow()) {
+        // No guard to ask (it was killed): restore through a connection of
+        // our own, which a crash inside the show's own X calls cannot block;
+        // the alarm ends the process should anything else hang.
+        alarm(CRASH_RESTORE_SECONDS);
+        restoreDisplayModeAfterCrash();
+    }
     // The signal's own ending: the default action, raised again on return (a
     // fault repeats at its instruction; a sent signal is raised here).
     struct sigaction fallback {};
@@ -61,8 +85,11 @@ void installCrashGiveBack() {
     }
 }
 
-void endPathStarted() { g_endPathRunning = 1; }
+void endPathStarted() { g_endPathRunning.store(true); }
 
-void setChildToStopOnExit(pid_t child) { g_child = child; }
+void setChildToStopOnExit(pid_t child) { g_child.store(child); }
 
-int endPathExitStatus() { return g_endSignal != 0 ? 128 + g_endSignal : 0; }
+int endPathExitStatus() {
+    const int signal = g_endSignal.load();
+    return signal != 0 ? 128 + signal : 0;
+}

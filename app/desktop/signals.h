@@ -3,11 +3,14 @@
 // SIGINT, SIGTERM and SIGHUP end the show like Escape: at the next frame the
 // end path runs (display restored, music closed, a capture completed, the
 // "fps: " line printed), and the exit status is 128 + the signal's number, as
-// shells expect. A second one while the first is pending or the end path runs
-// ends the process at once (a switched screen is then given back by the guard).
+// shells expect. One that comes while the end path already runs (after Escape,
+// a closed window or the last part) lets it finish with its own status. Only a
+// second one ends the process at once (a switched screen is then given back by
+// the guard). The handlers may run on any thread: they touch lock-free atomics only.
 //
 // SIGSEGV, SIGBUS, SIGFPE, SIGILL and SIGABRT, once the display mode is
-// switched: the guard restores the mode, then the signal ends the process with
+// switched: the guard restores the mode (or, when the guard is gone, the
+// handler itself, within two seconds), then the signal ends the process with
 // its usual status.
 #pragma once
 

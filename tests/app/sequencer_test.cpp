@@ -64,7 +64,7 @@ protected:
         g_partCounter = 0;
         g_endPath = runEndPath;
         g_showStartsOver = nullptr;
-        g_endRequested = 0;
+        g_endRequested = false;
     }
 
     // One call of onFrame; returns what it ran.
@@ -141,7 +141,7 @@ TEST_F(Sequencer, ALoopingShowStartsOverOnlyWhenItsLastPartEnds) {
     onKey(27, 0, 0);
     EXPECT_EQ(frame(), (Events{"end"}));
     g_partCounter = 5;
-    g_endRequested = 1;
+    g_endRequested = true;
     EXPECT_EQ(frame(), (Events{"end"}));
 }
 
@@ -217,8 +217,11 @@ TEST(Keys, RPrintsTheDemoTimeAndOtherKeysDoNothing) {
 TEST(FrameRate, IsFramesTimesAThousandOverElapsedMilliseconds) {
     EXPECT_DOUBLE_EQ(framesPerSecondAt(600, 1000, 11000), 60.0);
     EXPECT_DOUBLE_EQ(framesPerSecondAt(1, 0, 3), 1000.0 / 3.0);
-    // The millisecond clock wraps: only the difference counts.
-    EXPECT_DOUBLE_EQ(framesPerSecondAt(50, 2147483000, -2147483296), 50.0);
+    // A show looping for weeks: 3e9 frames at 60 frames/s are 579 days, far
+    // past 32-bit frames times a thousand and 32-bit milliseconds.
+    const int64_t frames = 3'000'000'000;
+    const int64_t start = 123'456;
+    EXPECT_DOUBLE_EQ(framesPerSecondAt(frames, start, start + frames * 1000 / 60), 60.0);
     // No frame counted, or no time passed: 0, printed as 0.00.
     EXPECT_DOUBLE_EQ(framesPerSecondAt(0, 1000, 1000), 0.0);
     EXPECT_DOUBLE_EQ(framesPerSecondAt(0, 1000, 9000), 0.0);
@@ -233,6 +236,17 @@ TEST(EndPath, PrintsTheFrameRateAndExitsWithZero) {
             runEndPath();
         },
         ::testing::ExitedWithCode(0), "");
+}
+
+TEST(FrameRate, HoldsForAShowThatRanForMonths) {
+    // The counter as a show looping at 60 frames/s leaves it after 579 days.
+    const int64_t frames = 3'000'000'000;
+    startFrameCounter();
+    g_frameCount = frames - 1;
+    g_fpsStartClock -= frames * 1000 / 60;
+    g_frameCount += 1;  // as a draw step counts, past 2^31
+    EXPECT_NEAR(framesPerSecond(), 60.0, 0.001);
+    g_frameCount = 0;
 }
 
 }  // namespace

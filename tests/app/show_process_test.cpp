@@ -20,6 +20,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <sstream>
 #include <thread>
 
 namespace {
@@ -185,6 +186,31 @@ TEST_F(ScreenGiveBack, ACrashOrAKillLeavesItToTheGuard) {
     result = finish();
     EXPECT_EQ(result.signal, SIGKILL);
     EXPECT_TRUE(sizeBecomes(ORIGINAL, 2000)) << server_->currentSize();
+}
+
+TEST_F(ScreenGiveBack, TheGuardIsNoChildOfTheShowAndACrashWithoutItStillRestores) {
+    startSwitched();
+    // The guard is init's child: never a zombie of the show, and out of the
+    // way of `killall kaskade`.
+    // The guard of this test's screen (others may run beside it).
+    std::string guard;
+    std::stringstream guards(runCommand("pgrep -x kaskade-guard"));
+    for (std::string pid; std::getline(guards, pid);) {
+        std::string environment = readTextFile("/proc/" + pid + "/environ");
+        std::replace(environment.begin(), environment.end(), '\0', '\n');
+        if (("\n" + environment).find("\nDISPLAY=" + server_->display() + "\n") != std::string::npos) {
+            guard = pid;
+        }
+    }
+    ASSERT_FALSE(guard.empty()) << "no guard runs";
+    EXPECT_EQ(runCommand("ps -o pid= --ppid " + std::to_string(pid_)), "") << "the show has children";
+    // With its guard killed, a crashing show gives the screen back itself.
+    ASSERT_EQ(kill(static_cast<pid_t>(std::stol(guard)), SIGKILL), 0);
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    kill(pid_, SIGSEGV);
+    const ShowResult result = finish();
+    EXPECT_EQ(result.signal, SIGSEGV);
+    EXPECT_EQ(server_->currentSize(), ORIGINAL);
 }
 
 // Frames the verbose log says part `part` drew, or -1.

@@ -7,9 +7,13 @@
 #include "tests/support/fatal_catcher.h"
 
 #include <gtest/gtest.h>
+#include <libopenmpt/libopenmpt.h>
+#include <libopenmpt/libopenmpt_stream_callbacks_file.h>
 
 #include <sys/stat.h>
 
+#include <cmath>
+#include <cstdio>
 #include <cstdlib>
 
 namespace {
@@ -97,6 +101,30 @@ TEST_F(OpeningMusic, AModuleThatIsNoStreamOpensAsAModule) {
     openMusic(path("harbour.mp3").c_str());
     EXPECT_EQ(g_stream, 0u);
     EXPECT_NE(g_music, 0u);
+}
+
+TEST_F(OpeningMusic, AModuleStartedLaterStartsAtARowAndTheClockWithIt) {
+    // Rows of 20 ms: 250 ms lies between two of them.
+    writeModule(path("harbour.mp3"));
+    openMusic(path("harbour.mp3").c_str());
+    ASSERT_NE(g_music, 0u);
+    g_millisecondClock = fakeClock;
+    g_fakeNow = 70000;
+    startMusicAt(250);
+    updateMusicClock();
+    g_millisecondClock = monotonicMillis;
+
+    // Where libopenmpt itself goes for 0.25 s of the same song.
+    std::FILE* file = std::fopen(path("harbour.mp3").c_str(), "rb");
+    ASSERT_NE(file, nullptr);
+    openmpt_module* module = openmpt_module_create2(openmpt_stream_get_file_callbacks(), file, nullptr, nullptr,
+                                                    nullptr, nullptr, nullptr, nullptr, nullptr);
+    ASSERT_NE(module, nullptr);
+    const double reached = openmpt_module_set_position_seconds(module, 0.25);
+    openmpt_module_destroy(module);
+    std::fclose(file);
+    EXPECT_NE(std::lround(reached * 1000), 250) << "the test's song has no row at 250 ms";
+    EXPECT_NEAR(g_demoTime, reached * 10.0, 0.01) << "the clock starts where the music does";
 }
 
 TEST_F(OpeningMusic, AFileThatHoldsNoAudioIsFatalWithStatusZero) {

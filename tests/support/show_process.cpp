@@ -170,6 +170,9 @@ void ShowProcess::start(const std::vector<std::string>& arguments, const std::st
             _exit(125);
         }
         setenv("SDL_AUDIODRIVER", audioDriver, 1);
+        for (const std::string& variable : environment_) {
+            putenv(const_cast<char*>(variable.c_str()));
+        }
         if (!display.empty()) {
             setenv("DISPLAY", display.c_str(), 1);
         }

@@ -63,6 +63,7 @@ protected:
 
     std::string dir_;
     pid_t pid_ = -1;
+    std::vector<std::string> environment_;  // NAME=value, added to the show's environment
 };
 
 // What the show says at start about the tests' 20-second soundtrack.
