@@ -61,6 +61,23 @@ TEST_F(CaptureEnds, AFatalReportHalfWayFinishesTheVideoAndEndsWithTheReportsStat
     EXPECT_NEAR(probe.at("audio duration"), probe.at("video duration"), 0.1);
 }
 
+TEST_F(CaptureEnds, ALostXConnectionFinishesTheVideoOnItsWayOut) {
+    start({"--capture", "lost.mp4"});
+    const std::string id = window();
+    ASSERT_FALSE(id.empty());
+    std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+    // What xkill does: the server closes the show's connection; Xlib ends the process.
+    runCommand("xdotool windowkill " + id);
+    const ShowResult result = finish(60);
+    EXPECT_EQ(result.status, 1) << result.err;
+    EXPECT_EQ(result.err.find("terminate"), std::string::npos) << result.err;
+    const std::map<std::string, double> probe = probeVideo(dir_ + "/lost.mp4");
+    ASSERT_EQ(probe.count("video frames"), 1u) << "no playable video";
+    ASSERT_EQ(probe.count("audio duration"), 1u) << "no sound";
+    EXPECT_GT(probe.at("video frames"), 10);
+    EXPECT_NEAR(probe.at("audio duration"), probe.at("video duration"), 0.05);
+}
+
 TEST_F(CaptureEnds, AnEncoderThatDiesEndsTheShowAtOnceSayingSo) {
     // Matroska: a file whose encoder stops half-way plays up to where it stopped.
     start({"--capture", "dies.mkv", "--nosound"});
