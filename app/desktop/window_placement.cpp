@@ -8,44 +8,36 @@
 
 namespace {
 
-// The window named by `property` on `window`, or None.
-Window windowProperty(Display* display, Window window, Atom property) {
-    Atom type = None;
+// The 32-bit items of `property` on `window` when it has `type`; none else.
+std::vector<unsigned long> propertyItems(Display* display, Window window, const char* property, Atom type) {
+    Atom actualType = None;
     int format = 0;
     unsigned long count = 0;
     unsigned long after = 0;
     unsigned char* data = nullptr;
-    Window found = None;
-    if (XGetWindowProperty(display, window, property, 0, 1, False, XA_WINDOW, &type, &format, &count, &after,
-                           &data) == Success &&
-        type == XA_WINDOW && format == 32 && count == 1) {
-        found = *reinterpret_cast<Window*>(data);
+    std::vector<unsigned long> items;
+    if (XGetWindowProperty(display, window, XInternAtom(display, property, False), 0, 4096, False, type, &actualType,
+                           &format, &count, &after, &data) == Success &&
+        actualType == type && format == 32) {
+        const unsigned long* values = reinterpret_cast<unsigned long*>(data);
+        items.assign(values, values + count);
     }
     if (data != nullptr) {
         XFree(data);
     }
-    return found;
+    return items;
+}
+
+// The window named by `property` on `window`, or None.
+Window windowProperty(Display* display, Window window, const char* property) {
+    const std::vector<unsigned long> items = propertyItems(display, window, property, XA_WINDOW);
+    return items.size() == 1 ? items.front() : None;
 }
 
 bool supportsFullscreen(Display* display, Window root) {
-    const Atom supported = XInternAtom(display, "_NET_SUPPORTED", False);
-    const Atom fullscreen = XInternAtom(display, "_NET_WM_STATE_FULLSCREEN", False);
-    Atom type = None;
-    int format = 0;
-    unsigned long count = 0;
-    unsigned long after = 0;
-    unsigned char* data = nullptr;
-    bool found = false;
-    if (XGetWindowProperty(display, root, supported, 0, 4096, False, XA_ATOM, &type, &format, &count, &after,
-                           &data) == Success &&
-        type == XA_ATOM && format == 32) {
-        const Atom* atoms = reinterpret_cast<Atom*>(data);
-        found = std::find(atoms, atoms + count, fullscreen) != atoms + count;
-    }
-    if (data != nullptr) {
-        XFree(data);
-    }
-    return found;
+    const std::vector<unsigned long> atoms = propertyItems(display, root, "_NET_SUPPORTED", XA_ATOM);
+    return std::find(atoms.begin(), atoms.end(), XInternAtom(display, "_NET_WM_STATE_FULLSCREEN", False)) !=
+           atoms.end();
 }
 
 // The current GLUT window's X connection and window.
@@ -85,7 +77,7 @@ std::string fitWindowToMonitor(const Monitor& monitor, int* width, int* height) 
 bool fullscreenWindowManager(Display* display) {
     XErrorTrap trap(display);
     const Window root = DefaultRootWindow(display);
-    const Atom check = XInternAtom(display, "_NET_SUPPORTING_WM_CHECK", False);
+    const char* check = "_NET_SUPPORTING_WM_CHECK";
     const Window manager = windowProperty(display, root, check);
     // The check window names itself while its window manager lives; a stale
     // root property names a window that is gone (BadWindow, trapped).

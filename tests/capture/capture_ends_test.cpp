@@ -23,17 +23,6 @@ pid_t childNamed(pid_t parent, const std::string& name) {
     return found.empty() ? 0 : static_cast<pid_t>(std::stol(found));
 }
 
-template <typename Condition>
-bool within(int milliseconds, Condition condition) {
-    for (int waited = 0; waited < milliseconds; waited += 10) {
-        if (condition()) {
-            return true;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    return condition();
-}
-
 TEST_F(CaptureEnds, AFatalReportHalfWayFinishesTheVideoAndEndsWithTheReportsStatus) {
     // The show's archive without the last part's scene, and the show's soundtrack.
     const std::string show = KASKADE_SHOW_DIR;

@@ -4,7 +4,7 @@
 // fatal report, a crash, SIGKILL, a lost X connection) every CRTC is as it was, modes, refresh
 // rates, positions, rotations, outputs and the primary output alike.
 #include "tests/desktops/crtc_table.h"
-#include "tests/desktops/desktop_rig.h"
+#include "tests/desktops/desktop_test.h"
 #include "tests/support/fatal_catcher.h"
 #include "tests/support/show_process.h"
 
@@ -50,30 +50,9 @@ std::string windowRectangle(const std::string& display, const std::string& id) {
            "+" + std::to_string(top);
 }
 
-template <typename Condition>
-bool within(int milliseconds, Condition condition) {
-    for (int waited = 0; waited < milliseconds; waited += 20) {
-        if (condition()) {
-            return true;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    }
-    return condition();
-}
-
-class SeveralMonitors : public ShowProcess, public ::testing::WithParamInterface<DesktopRig::Kind> {
+class SeveralMonitors : public DesktopTest, public ::testing::WithParamInterface<DesktopRig::Kind> {
 protected:
-    void SetUp() override {
-        ShowProcess::SetUp();
-        if (IsSkipped()) {
-            return;
-        }
-        std::string whyNot;
-        rig_ = DesktopRig::start(GetParam(), dir_, &whyNot);
-        if (rig_ == nullptr) {
-            GTEST_SKIP() << "skipped: " << whyNot;
-        }
-    }
+    DesktopRig::Kind kind() const override { return GetParam(); }
 
     // Runs the fullscreen show to `way` and checks the screen during and after.
     // Appends the tables to `notes`.
@@ -144,8 +123,6 @@ protected:
             ASSERT_EQ(symlink((std::string(KASKADE_SHOW_DIR) + "/3d").c_str(), (dir_ + "/3d").c_str()), 0);
         }
     }
-
-    std::unique_ptr<DesktopRig> rig_;
 };
 
 TEST_P(SeveralMonitors, OnlyThePrimaryMonitorSwitchesAndEveryWayOutGivesTheScreenBack) {

@@ -3,7 +3,7 @@
 // (_NET_WM_STATE_FULLSCREEN) and covers the screen, a window the window
 // manager resizes refits its picture, and a capture's first frame is whole
 // whatever the window manager does to its preview window.
-#include "tests/desktops/desktop_rig.h"
+#include "tests/desktops/desktop_test.h"
 #include "tests/support/fatal_catcher.h"
 #include "tests/support/frame_compare.h"
 #include "tests/support/show_process.h"
@@ -16,19 +16,9 @@
 
 namespace {
 
-class WindowManager : public ShowProcess {
+class WindowManager : public DesktopTest {
 protected:
-    void SetUp() override {
-        ShowProcess::SetUp();
-        if (IsSkipped()) {
-            return;
-        }
-        std::string whyNot;
-        rig_ = DesktopRig::start(DesktopRig::Kind::Openbox, dir_, &whyNot);
-        if (rig_ == nullptr) {
-            GTEST_SKIP() << "skipped: " << whyNot;
-        }
-    }
+    DesktopRig::Kind kind() const override { return DesktopRig::Kind::Openbox; }
 
     // Geometry as xdotool tells it: "Geometry: WxH".
     std::string geometry(const std::string& id) {
@@ -47,6 +37,15 @@ protected:
         return false;
     }
 
+    // What the window shows, once it has settled; then the show is ended with Escape.
+    std::vector<uint8_t> lastLook(const std::string& id, int* width, int* height) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(500));
+        const std::vector<uint8_t> rgb = windowPixels(rig_->display(), id, width, height);
+        key(id, "Escape", rig_->display());
+        EXPECT_EQ(finish().status, 0);
+        return rgb;
+    }
+
     // Captures frames 0 to 2 of part 13 at `size` on the rig's display.
     void captureStart(const std::string& size, const std::string& directory) {
         start({"--part", "13", "--fps", "4", "--nosound", "--size", size, "--capture", directory}, rig_->display());
@@ -58,7 +57,6 @@ protected:
         EXPECT_EQ(finish().status, 130) << size;
     }
 
-    std::unique_ptr<DesktopRig> rig_;
 };
 
 TEST_F(WindowManager, FullscreenIsTheWindowManagersAndCoversTheScreen) {
@@ -69,12 +67,9 @@ TEST_F(WindowManager, FullscreenIsTheWindowManagersAndCoversTheScreen) {
     EXPECT_NE(runCommand(onDisplay(rig_->display()) + "xprop -id " + id + " _NET_WM_STATE")
                   .find("_NET_WM_STATE_FULLSCREEN"),
               std::string::npos);
-    std::this_thread::sleep_for(std::chrono::milliseconds(500));
     int width = 0;
     int height = 0;
-    const std::vector<uint8_t> rgb = windowPixels(rig_->display(), id, &width, &height);
-    key(id, "Escape", rig_->display());
-    EXPECT_EQ(finish().status, 0);
+    const std::vector<uint8_t> rgb = lastLook(id, &width, &height);
     ASSERT_EQ(width, 1280);
     ASSERT_EQ(height, 1024);
     // The 1280 x 960 picture between bars of 32 rows.
@@ -89,12 +84,9 @@ TEST_F(WindowManager, AWindowTheWindowManagerResizesRefitsItsPicture) {
     ASSERT_FALSE(id.empty());
     runCommand(onDisplay(rig_->display()) + "xdotool windowsize " + id + " 1000 500");
     ASSERT_TRUE(geometryBecomes(id, "1000x500")) << geometry(id);
-    std::this_thread::sleep_for(std::chrono::milliseconds(500));
     int width = 0;
     int height = 0;
-    const std::vector<uint8_t> rgb = windowPixels(rig_->display(), id, &width, &height);
-    key(id, "Escape", rig_->display());
-    EXPECT_EQ(finish().status, 0);
+    const std::vector<uint8_t> rgb = lastLook(id, &width, &height);
     ASSERT_EQ(width, 1000);
     // 666 x 500 from x = 167: the spare pixel of the odd margin on the right.
     const LitPixels lit = litPixels(rgb, width, height, 167, 0, 833, 500);

@@ -4,7 +4,7 @@
 // not scale such windows, and the show fills the output at its real size, 4:3.
 // The screen is as it was after the show, however it ends.
 #include "tests/desktops/crtc_table.h"
-#include "tests/desktops/desktop_rig.h"
+#include "tests/desktops/desktop_test.h"
 #include "tests/support/show_process.h"
 
 #include <signal.h>
@@ -14,23 +14,11 @@
 
 namespace {
 
-class Xwayland : public ShowProcess {
+class Xwayland : public DesktopTest {
 protected:
-    void SetUp() override {
-        ShowProcess::SetUp();
-        if (IsSkipped()) {
-            return;
-        }
-        std::string whyNot;
-        rig_ = DesktopRig::start(DesktopRig::Kind::Xwayland, dir_, &whyNot);
-        if (rig_ == nullptr) {
-            GTEST_SKIP() << "skipped: " << whyNot;
-        }
-    }
+    DesktopRig::Kind kind() const override { return DesktopRig::Kind::Xwayland; }
 
     std::string xrandr() { return runCommand(onDisplay(rig_->display()) + "xrandr 2>&1"); }
-
-    std::unique_ptr<DesktopRig> rig_;
 };
 
 TEST_F(Xwayland, FullscreenWindowedAndDesktopShowsDrawTheirPictureAndLeaveTheScreenAsItWas) {

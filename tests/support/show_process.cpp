@@ -50,6 +50,21 @@ bool endsWithFrameRateLine(const std::string& out) {
     return std::sscanf(out.c_str() + at, "fps: %lf%c", &value, &newline) == 2 && newline == '\n' && value >= 0;
 }
 
+// Copies `image` (its pixels from `fromX`, `fromY`) into the width-wide RGB
+// frame `rgb` at (`toX`, `toY`), `columns` x `rows` of them.
+void copyImage(XImage* image, int fromX, int fromY, int columns, int rows, std::vector<uint8_t>& rgb, int width,
+               int toX, int toY) {
+    for (int row = 0; row < rows; ++row) {
+        for (int column = 0; column < columns; ++column) {
+            const unsigned long pixel = XGetPixel(image, fromX + column, fromY + row);
+            uint8_t* out = &rgb[(static_cast<size_t>(toY + row) * width + (toX + column)) * 3];
+            out[0] = static_cast<uint8_t>(pixel >> 16);
+            out[1] = static_cast<uint8_t>(pixel >> 8);
+            out[2] = static_cast<uint8_t>(pixel);
+        }
+    }
+}
+
 std::vector<uint8_t> windowPixels(const std::string& display, const std::string& id, int* width, int* height) {
     std::vector<uint8_t> rgb;
     Display* x = XOpenDisplay(display.c_str());
@@ -78,15 +93,7 @@ std::vector<uint8_t> windowPixels(const std::string& display, const std::string&
     const int y1 = std::min(top + *height, DisplayHeight(x, DefaultScreen(x)));
     if (x1 > x0 && y1 > y0) {
         if (XImage* image = XGetImage(x, root, x0, y0, x1 - x0, y1 - y0, AllPlanes, ZPixmap)) {
-            for (int row = y0; row < y1; ++row) {
-                for (int column = x0; column < x1; ++column) {
-                    const unsigned long pixel = XGetPixel(image, column - x0, row - y0);
-                    uint8_t* out = &rgb[(static_cast<size_t>(row - top) * *width + (column - left)) * 3];
-                    out[0] = static_cast<uint8_t>(pixel >> 16);
-                    out[1] = static_cast<uint8_t>(pixel >> 8);
-                    out[2] = static_cast<uint8_t>(pixel);
-                }
-            }
+            copyImage(image, 0, 0, x1 - x0, y1 - y0, rgb, *width, x0 - left, y0 - top);
             XDestroyImage(image);
         }
     }
@@ -108,15 +115,7 @@ std::vector<uint8_t> windowContents(const std::string& display, const std::strin
     if (XImage* image = XGetImage(x, window, 0, 0, static_cast<unsigned>(*width), static_cast<unsigned>(*height),
                                   AllPlanes, ZPixmap)) {
         rgb.resize(static_cast<size_t>(*width) * *height * 3);
-        for (int row = 0; row < *height; ++row) {
-            for (int column = 0; column < *width; ++column) {
-                const unsigned long pixel = XGetPixel(image, column, row);
-                uint8_t* out = &rgb[(static_cast<size_t>(row) * *width + column) * 3];
-                out[0] = static_cast<uint8_t>(pixel >> 16);
-                out[1] = static_cast<uint8_t>(pixel >> 8);
-                out[2] = static_cast<uint8_t>(pixel);
-            }
-        }
+        copyImage(image, 0, 0, *width, *height, rgb, *width, 0, 0);
         XDestroyImage(image);
     }
     XCloseDisplay(x);

@@ -6,8 +6,10 @@
 #include <gtest/gtest.h>
 #include <sys/types.h>
 
+#include <chrono>
 #include <cstdint>
 #include <string>
+#include <thread>
 #include <vector>
 
 struct ShowResult {
@@ -22,6 +24,18 @@ std::string readTextFile(const std::string& path);
 std::string runCommand(const std::string& command);
 // "DISPLAY=:N " for a display, "" for the test's own.
 std::string onDisplay(const std::string& display);
+
+// Whether `condition` holds within `milliseconds`, asked every 10 ms.
+template <typename Condition>
+bool within(int milliseconds, Condition condition) {
+    for (int waited = 0; waited < milliseconds; waited += 10) {
+        if (condition()) {
+            return true;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return condition();
+}
 
 // True when `out` ends with the end path's "fps: N.NN" line.
 bool endsWithFrameRateLine(const std::string& out);
