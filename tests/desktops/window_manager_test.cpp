@@ -37,10 +37,16 @@ protected:
         return false;
     }
 
-    // What the window shows, once it has settled; then the show is ended with Escape.
-    std::vector<uint8_t> lastLook(const std::string& id, int* width, int* height) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(500));
-        const std::vector<uint8_t> rgb = windowPixels(rig_->display(), id, width, height);
+    // What the window shows once `settled` holds for it (a loaded machine may
+    // take a few frames to draw at a new size), or after ten seconds; then the
+    // show is ended with Escape.
+    template <typename Settled>
+    std::vector<uint8_t> lastLook(const std::string& id, int* width, int* height, Settled settled) {
+        std::vector<uint8_t> rgb;
+        within(10000, [&] {
+            rgb = windowPixels(rig_->display(), id, width, height);
+            return settled(rgb, *width, *height);
+        });
         key(id, "Escape", rig_->display());
         EXPECT_EQ(finish().status, 0);
         return rgb;
@@ -67,13 +73,18 @@ TEST_F(WindowManager, FullscreenIsTheWindowManagersAndCoversTheScreen) {
     EXPECT_NE(runCommand(onDisplay(rig_->display()) + "xprop -id " + id + " _NET_WM_STATE")
                   .find("_NET_WM_STATE_FULLSCREEN"),
               std::string::npos);
+    // The 1280 x 960 picture between bars of 32 rows.
+    const auto picture = [](const std::vector<uint8_t>& rgb, int width, int height) {
+        return litPixels(rgb, width, height, 0, 32, 1280, 992);
+    };
     int width = 0;
     int height = 0;
-    const std::vector<uint8_t> rgb = lastLook(id, &width, &height);
+    const std::vector<uint8_t> rgb = lastLook(id, &width, &height, [&](auto& rgb, int w, int h) {
+        return w == 1280 && h == 1024 && picture(rgb, w, h).outside == 0;
+    });
     ASSERT_EQ(width, 1280);
     ASSERT_EQ(height, 1024);
-    // The 1280 x 960 picture between bars of 32 rows.
-    const LitPixels lit = litPixels(rgb, width, height, 0, 32, 1280, 992);
+    const LitPixels lit = picture(rgb, width, height);
     EXPECT_EQ(lit.outside, 0);
     EXPECT_GT(lit.inside, 1280L * 960 * 9 / 10);
 }
@@ -84,12 +95,17 @@ TEST_F(WindowManager, AWindowTheWindowManagerResizesRefitsItsPicture) {
     ASSERT_FALSE(id.empty());
     runCommand(onDisplay(rig_->display()) + "xdotool windowsize " + id + " 1000 500");
     ASSERT_TRUE(geometryBecomes(id, "1000x500")) << geometry(id);
+    // 666 x 500 from x = 167.
+    const auto picture = [](const std::vector<uint8_t>& rgb, int width, int height) {
+        return litPixels(rgb, width, height, 167, 0, 833, 500);
+    };
     int width = 0;
     int height = 0;
-    const std::vector<uint8_t> rgb = lastLook(id, &width, &height);
+    const std::vector<uint8_t> rgb = lastLook(id, &width, &height, [&](auto& rgb, int w, int h) {
+        return w == 1000 && picture(rgb, w, h).outside == 0;
+    });
     ASSERT_EQ(width, 1000);
-    // 666 x 500 from x = 167: the spare pixel of the odd margin on the right.
-    const LitPixels lit = litPixels(rgb, width, height, 167, 0, 833, 500);
+    const LitPixels lit = picture(rgb, width, height);
     EXPECT_EQ(lit.outside, 0);
     EXPECT_GT(lit.inside, 666L * 500 * 9 / 10);
 }
