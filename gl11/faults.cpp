@@ -15,6 +15,7 @@ const char* const NAMES[] = {
     "flat-vertex",
     "flat-quad",
     "flat-line",
+    "quad-diagonal",
     "attenuation",
     "spot-exponent",
     "local-viewer",

@@ -14,6 +14,7 @@ enum class Gl11Fault {
     LastVertexFlat,     // "flat-vertex": flat polygons coloured by their last vertex, WebGL's own rule
     FirstVertexQuads,   // "flat-quad": flat quads coloured by their first vertex instead of the fourth
     FirstVertexLines,   // "flat-line": flat lines coloured by their first vertex instead of the second
+    QuadDiagonal,       // "quad-diagonal": smooth quads cut along v1-v3, not along v0-v2 as Mesa cuts them
     NoAttenuation,      // "attenuation": positional lights as bright at any distance
     NoSpotExponent,     // "spot-exponent": spot lights without their fall-off inside the cone
     LocalViewer,        // "local-viewer": highlights from the direction to the eye, not (0, 0, 1)

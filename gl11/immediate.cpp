@@ -60,7 +60,7 @@ void emitQuad(const BatchVertex* v) {
     if (gl11Faulty(Gl11Fault::FirstVertexQuads)) {
         emitTriangle(v[1], v[2], v[0]);
         emitTriangle(v[2], v[3], v[0]);
-    } else if (g_gl11.state.shadeModel != GL_FLAT) {
+    } else if (g_gl11.state.shadeModel != GL_FLAT && !gl11Faulty(Gl11Fault::QuadDiagonal)) {
         emitTriangle(v[0], v[1], v[2]);
         emitTriangle(v[0], v[2], v[3]);
     } else {

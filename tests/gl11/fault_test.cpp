@@ -31,6 +31,7 @@ const Mistake MISTAKES[] = {
     {Gl11Fault::LastVertexFlat, SCENE_FLAT_SHADING},
     {Gl11Fault::FirstVertexQuads, SCENE_FLAT_SHADING},
     {Gl11Fault::FirstVertexLines, SCENE_FLAT_SHADING},
+    {Gl11Fault::QuadDiagonal, SCENE_SMOOTH_SHADING},
     {Gl11Fault::RadialFog, SCENE_FOG},
     {Gl11Fault::FlippedTexture, SCENE_TEXTURE_MODULATE},
     {Gl11Fault::DecalIgnoresAlpha, SCENE_TEXTURE_DECAL},
