@@ -12,7 +12,9 @@
 #include "gl11/textures.h"
 #include "gl11/webgl_state.h"
 
-#include <cstring>
+#include <cstddef>
+#include <cstdint>
+#include <utility>
 #include <vector>
 
 namespace {
