@@ -1,5 +1,6 @@
 #include "gl11/batch.h"
 
+#include "gl11/faults.h"
 #include "gl11/programs.h"
 #include "gl11/textures.h"
 #include "gl11/vertex_store.h"
@@ -71,7 +72,8 @@ void applyFixedState(const DrawState& s) {
     setCapability(GL_DEPTH_TEST, ENABLE_DEPTH_TEST, s.enables);
     setCapability(GL_BLEND, ENABLE_BLEND, s.enables);
     if (s.blendSource != g_applied.blendSource || s.blendDestination != g_applied.blendDestination) {
-        glBlendFunc(s.blendSource, s.blendDestination);
+        const bool over = gl11Faulty(Gl11Fault::OverBlend) && s.blendDestination == GL_SRC_COLOR;
+        glBlendFunc(s.blendSource, over ? GL_ONE_MINUS_SRC_ALPHA : s.blendDestination);
         g_applied.blendSource = s.blendSource;
         g_applied.blendDestination = s.blendDestination;
     }
@@ -98,12 +100,23 @@ bool sameState(const DrawState& a, const DrawState& b) { return std::memcmp(&a, 
 
 }  // namespace
 
-void initBatch() {
+void initBatch(bool keepBatched) {
+    forgetPrograms();
     initVertexStore();
+    // WebGL as g_applied says it is.
     g_applied = Applied{};
+    glDisable(GL_CULL_FACE);
+    glDisable(GL_DEPTH_TEST);
+    glDisable(GL_BLEND);
+    glBlendFunc(GL_ONE, GL_ZERO);
+    glCullFace(GL_BACK);
+    glFrontFace(GL_CCW);
+    glUseProgram(0);
     g_applied.fixed.create(FIXED_UNIFORM_BINDING);
     g_applied.transform.create(TRANSFORM_UNIFORM_BINDING);
-    g_batch.count = 0;
+    if (!keepBatched) {
+        g_batch.count = 0;
+    }
 }
 
 BatchVertex* reserveBatch(BatchKind kind, int count) {

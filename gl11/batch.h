@@ -28,8 +28,11 @@ BatchVertex* reserveBatch(BatchKind kind, int count);
 // Draws what is batched (nothing when it is empty).
 void flushBatch();
 
-// Creates the WebGL objects the batch draws with. Needs the context current.
-void initBatch();
+// Creates the WebGL objects the batch draws with (and the programs, the
+// vertex store anew) and sets WebGL's state the batch assumes. Needs the
+// context current. `keepBatched`: what was batched is drawn later on this
+// context (one that came back), else it is dropped.
+void initBatch(bool keepBatched);
 
 // Counted since the last takeBatchCounts.
 struct BatchCounts {

@@ -2,24 +2,24 @@
 
 #include "gl11/batch.h"
 #include "gl11/state.h"
+#include "gl11/textures.h"
+#include "gl11/webgl_state.h"
 
 namespace {
 Gl11FrameCounts g_lastFrame{};
 }
 
 void gl11Init() {
-    const int fault = g_gl11.fault;
     resetGl11State();
-    g_gl11.fault = fault;
-    initBatch();
-    // The defaults the batch assumes WebGL starts from.
-    glDisable(GL_CULL_FACE);
-    glDisable(GL_DEPTH_TEST);
-    glDisable(GL_BLEND);
-    glBlendFunc(GL_ONE, GL_ZERO);
-    glCullFace(GL_BACK);
-    glFrontFace(GL_CCW);
-    glDepthFunc(GL_LESS);
+    forgetTextures();
+    initBatch(false);
+    resetWebGlState();
+}
+
+void gl11ContextRestored() {
+    initBatch(true);
+    restoreTextures();
+    applyWebGlState();
 }
 
 void gl11EndFrame() {
@@ -29,5 +29,3 @@ void gl11EndFrame() {
 }
 
 Gl11FrameCounts gl11LastFrameCounts() { return g_lastFrame; }
-
-void gl11SetFault(Gl11Fault fault) { g_gl11.fault = static_cast<int>(fault); }

@@ -18,6 +18,11 @@
 #define glViewport gl11Viewport
 #define glReadPixels gl11ReadPixels
 #define glPixelStorei gl11PixelStorei
+#define glDepthFunc gl11DepthFunc
+#define glDepthMask gl11DepthMask
+#define glColorMask gl11ColorMask
+#define glScissor gl11Scissor
+#define glGetFloatv gl11GetFloatv
 
 #define glMatrixMode gl11MatrixMode
 #define glLoadIdentity gl11LoadIdentity

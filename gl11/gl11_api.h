@@ -8,7 +8,9 @@
 // uses it: immediate mode (GL_POLYGON, GL_QUADS, GL_LINES, GL_TRIANGLES), the
 // model-view and projection stacks, per-vertex lighting with colour material,
 // flat and smooth shading, GL_EXP/GL_EXP2/GL_LINEAR fog, GL_MODULATE and
-// GL_DECAL texturing, sphere-map texture generation. One thread, one context.
+// GL_DECAL texturing, sphere-map texture generation; and the state WebGL
+// keeps itself (viewport, depth function and mask, colour mask, scissor),
+// passed on in order with the batched primitives. One thread, one context.
 #pragma once
 
 #include <GLES3/gl3.h>
@@ -23,6 +25,11 @@ typedef double GLclampd;
 // Matrices.
 #define GL_MODELVIEW 0x1700
 #define GL_PROJECTION 0x1701
+#define GL_MODELVIEW_MATRIX 0x0BA6
+#define GL_PROJECTION_MATRIX 0x0BA7
+
+// The current colour, as glGetFloatv answers it.
+#define GL_CURRENT_COLOR 0x0B00
 
 // Capabilities of the fixed-function pipeline.
 #define GL_LIGHTING 0x0B50
@@ -98,6 +105,11 @@ void gl11Flush(void);
 void gl11Viewport(GLint x, GLint y, GLsizei width, GLsizei height);
 void gl11ReadPixels(GLint x, GLint y, GLsizei width, GLsizei height, GLenum format, GLenum type, void* pixels);
 void gl11PixelStorei(GLenum name, GLint value);
+void gl11DepthFunc(GLenum function);
+void gl11DepthMask(GLboolean write);
+void gl11ColorMask(GLboolean red, GLboolean green, GLboolean blue, GLboolean alpha);
+void gl11Scissor(GLint x, GLint y, GLsizei width, GLsizei height);
+void gl11GetFloatv(GLenum name, GLfloat* values);
 
 // Matrices.
 void gl11MatrixMode(GLenum mode);

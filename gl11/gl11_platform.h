@@ -1,12 +1,20 @@
-// The platform's side of the OpenGL 1.1 subset: what the browser shell calls
-// around the show's frames. Not part of OpenGL.
+// The platform's side of the OpenGL 1.1 subset: what the browser shell (or a
+// native test, on OpenGL ES 3) calls around the show's frames. Not part of OpenGL.
 #pragma once
 
 #include <cstdint>
 
 // Sets OpenGL 1.1's initial state and creates the layer's WebGL objects. Needs
-// a current WebGL 2 context (no antialiasing, with a depth buffer).
+// a current WebGL 2 context (no antialiasing, with a depth buffer); objects of
+// a context before are forgotten, not deleted (textures included).
 void gl11Init();
+
+// The context was lost and the browser gave it back empty: the layer makes
+// its programs and buffers again, uploads every texture again from the copy
+// it keeps, and sets WebGL's state as it was. OpenGL 1.1's state (matrices,
+// lights, texture names the show holds) is kept. Needs the context current.
+// While the context is lost the layer goes on as if drawing; WebGL draws nothing.
+void gl11ContextRestored();
 
 // Draws what is still batched: the frame is complete once this returns.
 // Closes the frame's counts (gl11LastFrameCounts).
@@ -20,14 +28,3 @@ struct Gl11FrameCounts {
     uint32_t streamedBytes;  // vertex bytes sent to WebGL; kept batches send none
 };
 Gl11FrameCounts gl11LastFrameCounts();
-
-// Deliberate mistakes, for measuring how far a frame comparison moves when
-// the layer draws wrongly; never set in the show.
-enum class Gl11Fault {
-    None,
-    WiderView,         // every gluPerspective one degree wider: a wrong camera
-    NoModelAmbient,    // OpenGL's global ambient light (0.2) left out: a slightly wrong material
-    NoColourMaterial,  // lit surfaces ignore their colour: a wrong material
-    LastVertexFlat,    // flat polygons coloured by their last vertex, WebGL's own rule
-};
-void gl11SetFault(Gl11Fault fault);

@@ -6,7 +6,7 @@
 // the last vertex of each triangle or line. So each triangle is sent with the
 // vertex whose colour OpenGL would use last, an order that keeps its winding.
 #include "gl11/batch.h"
-#include "gl11/gl11_platform.h"
+#include "gl11/faults.h"
 #include "gl11/state.h"
 
 #include <cmath>
@@ -43,7 +43,7 @@ void emitTriangle(const BatchVertex& a, const BatchVertex& b, const BatchVertex&
 
 // A convex polygon as a fan around its first vertex, which each triangle sends last.
 void emitPolygon(const std::vector<BatchVertex>& v) {
-    const bool lastVertex = g_gl11.fault == static_cast<int>(Gl11Fault::LastVertexFlat);
+    const bool lastVertex = gl11Faulty(Gl11Fault::LastVertexFlat);
     for (size_t i = 1; i + 1 < v.size(); ++i) {
         if (lastVertex) {
             emitTriangle(v[0], v[i], v[i + 1]);
@@ -53,16 +53,27 @@ void emitPolygon(const std::vector<BatchVertex>& v) {
     }
 }
 
-// Quad v0 v1 v2 v3 as (v0, v1, v3) and (v1, v2, v3): both end with the fourth vertex.
+// Quad v0 v1 v2 v3 cut as Mesa cuts it: smooth, along v0-v2 into (v0, v1, v2)
+// and (v0, v2, v3), which decides how four corner colours blend; flat, along
+// v1-v3 into (v0, v1, v3) and (v1, v2, v3), both ending with the fourth vertex.
 void emitQuad(const BatchVertex* v) {
-    emitTriangle(v[0], v[1], v[3]);
-    emitTriangle(v[1], v[2], v[3]);
+    if (gl11Faulty(Gl11Fault::FirstVertexQuads)) {
+        emitTriangle(v[1], v[2], v[0]);
+        emitTriangle(v[2], v[3], v[0]);
+    } else if (g_gl11.state.shadeModel != GL_FLAT && !gl11Faulty(Gl11Fault::QuadDiagonal)) {
+        emitTriangle(v[0], v[1], v[2]);
+        emitTriangle(v[0], v[2], v[3]);
+    } else {
+        emitTriangle(v[0], v[1], v[3]);
+        emitTriangle(v[1], v[2], v[3]);
+    }
 }
 
 void emitLine(const BatchVertex* v) {
     BatchVertex* out = reserveBatch(BatchKind::Lines, 2);
-    out[0] = v[0];
-    out[1] = v[1];
+    const bool firstVertex = gl11Faulty(Gl11Fault::FirstVertexLines);
+    out[0] = v[firstVertex ? 1 : 0];
+    out[1] = v[firstVertex ? 0 : 1];
 }
 
 void addVertex(float x, float y, float z) {

@@ -1,6 +1,6 @@
 // The model-view and projection stacks. The matrices in force are part of the
 // draw state: the shaders apply them to the batched vertices.
-#include "gl11/gl11_platform.h"
+#include "gl11/faults.h"
 #include "gl11/state.h"
 
 #include <cstring>
@@ -80,7 +80,7 @@ void gl11Scalef(GLfloat x, GLfloat y, GLfloat z) { multiplyCurrent(scalingMatrix
 void gl11Translatef(GLfloat x, GLfloat y, GLfloat z) { multiplyCurrent(translationMatrix(x, y, z)); }
 
 void gl11uPerspective(GLdouble fovy, GLdouble aspect, GLdouble zNear, GLdouble zFar) {
-    const bool wider = g_gl11.fault == static_cast<int>(Gl11Fault::WiderView);
+    const bool wider = gl11Faulty(Gl11Fault::WiderView);
     multiplyCurrent(perspectiveMatrix(wider ? fovy + 1.0 : fovy, aspect, zNear, zFar));
 }
 

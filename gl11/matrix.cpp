@@ -123,18 +123,36 @@ Matrix4 lookAtMatrix(double eyeX, double eyeY, double eyeZ, double centreX, doub
                                                      static_cast<float>(-eyeZ)));
 }
 
+namespace {
+
+// Element (r, c) of m's upper 3 x 3, and the cofactors of its first row.
+float element(const Matrix4& m, int r, int c) { return m.m[c * 4 + r]; }
+
+float determinant3(const Matrix4& m, float* c00, float* c01, float* c02) {
+    auto a = [&m](int r, int c) { return element(m, r, c); };
+    *c00 = a(1, 1) * a(2, 2) - a(1, 2) * a(2, 1);
+    *c01 = a(1, 2) * a(2, 0) - a(1, 0) * a(2, 2);
+    *c02 = a(1, 0) * a(2, 1) - a(1, 1) * a(2, 0);
+    return a(0, 0) * *c00 + a(0, 1) * *c01 + a(0, 2) * *c02;
+}
+
+}  // namespace
+
+bool isSingular(const Matrix4& m) {
+    float c00, c01, c02;
+    const float determinant = determinant3(m, &c00, &c01, &c02);
+    return determinant * determinant < 1e-25f;
+}
+
 Matrix3 normalMatrix(const Matrix4& m) {
-    // Element (r, c) of the upper 3 x 3.
-    auto a = [&m](int r, int c) { return m.m[c * 4 + r]; };
-    const float c00 = a(1, 1) * a(2, 2) - a(1, 2) * a(2, 1);
-    const float c01 = a(1, 2) * a(2, 0) - a(1, 0) * a(2, 2);
-    const float c02 = a(1, 0) * a(2, 1) - a(1, 1) * a(2, 0);
-    const float determinant = a(0, 0) * c00 + a(0, 1) * c01 + a(0, 2) * c02;
+    auto a = [&m](int r, int c) { return element(m, r, c); };
     Matrix3 result{};
-    if (determinant == 0.0f) {
+    if (isSingular(m)) {
+        result.m[0] = result.m[4] = result.m[8] = 1.0f;
         return result;
     }
-    const float inverse = 1.0f / determinant;
+    float c00, c01, c02;
+    const float inverse = 1.0f / determinant3(m, &c00, &c01, &c02);
     // The cofactor matrix over the determinant is the inverse transposed.
     const float cofactors[3][3] = {
         {c00, c01, c02},

@@ -28,7 +28,13 @@ Matrix4 perspectiveMatrix(double fovyDegrees, double aspect, double zNear, doubl
 Matrix4 lookAtMatrix(double eyeX, double eyeY, double eyeZ, double centreX, double centreY, double centreZ,
                      double upX, double upY, double upZ);
 
-// The inverse transpose of m's upper-left 3 x 3; the zero matrix when it is singular.
+// True when m's upper-left 3 x 3 has no inverse as Mesa judges a model-view
+// that turns and scales: its determinant d has d * d < 1e-25.
+bool isSingular(const Matrix4& m);
+
+// The inverse transpose of m's upper-left 3 x 3. For a singular m, the
+// identity: Mesa then takes the inverse to be the identity, so a flattened
+// mesh is lit with its normals as sent.
 Matrix3 normalMatrix(const Matrix4& m);
 
 // m * (x, y, z, w).

@@ -1,15 +1,26 @@
 // Compiling and keeping the programs, one per ProgramKey.
+//
+// A shader or program the browser refuses is a fault of the layer that no
+// frame can hide (its geometry would silently vanish): it is a fatal report,
+// which the page shows. A context lost meanwhile refuses everything too, but
+// then its objects are gone as well (glIsShader says no): nothing is reported,
+// nothing kept, and the program is made again once the context is back.
 #include "gl11/programs.h"
 
-#include <cstdio>
+#include "base/fatal.h"
+#include "gl11/faults.h"
+
+#include <string>
 #include <unordered_map>
 #include <vector>
 
 namespace {
 
+const char* const CAPTION = "WEBGL ERROR";
+
 std::unordered_map<uint64_t, GLuint> g_programs;
 
-// The info log of a shader or program, for the console.
+// The info log of a shader or program.
 std::string infoLog(GLuint object, bool program) {
     GLint length = 0;
     program ? glGetProgramiv(object, GL_INFO_LOG_LENGTH, &length) : glGetShaderiv(object, GL_INFO_LOG_LENGTH, &length);
@@ -19,7 +30,15 @@ std::string infoLog(GLuint object, bool program) {
     return text.data();
 }
 
-GLuint compile(GLenum type, const std::string& source) {
+[[noreturn]] void refused(const char* what, const std::string& log) {
+    fatalReport(CAPTION, what, 1, FatalExit::Normal, log.c_str());
+}
+
+// 0 when the context is lost.
+GLuint compile(GLenum type, std::string source) {
+    if (gl11Faulty(Gl11Fault::RefusedShader)) {
+        source += "this is no GLSL\n";
+    }
     const GLuint shader = glCreateShader(type);
     const char* text = source.c_str();
     glShaderSource(shader, 1, &text, nullptr);
@@ -27,18 +46,24 @@ GLuint compile(GLenum type, const std::string& source) {
     GLint ok = GL_FALSE;
     glGetShaderiv(shader, GL_COMPILE_STATUS, &ok);
     if (!ok) {
-        std::fprintf(stderr, "gl11: shader refused: %s\n%s", infoLog(shader, false).c_str(), text);
+        if (!glIsShader(shader)) {
+            return 0;
+        }
+        const std::string log = infoLog(shader, false);
         glDeleteShader(shader);
-        return 0;
+        refused(type == GL_VERTEX_SHADER ? "The browser refused a vertex shader of the OpenGL 1.1 layer."
+                                         : "The browser refused a fragment shader of the OpenGL 1.1 layer.",
+                log);
     }
     return shader;
 }
 
+// 0 when the context is lost.
 GLuint build(const ProgramKey& key) {
     const GLuint vertex = compile(GL_VERTEX_SHADER, vertexShaderSource(key));
     const GLuint fragment = compile(GL_FRAGMENT_SHADER, fragmentShaderSource(key));
-    if (vertex == 0 || fragment == 0) {
-        return 0;
+    if (vertex == 0 || fragment == 0 || !glIsShader(vertex) || !glIsShader(fragment)) {
+        return 0;  // the context is lost (the browser makes no program then)
     }
     GLuint program = glCreateProgram();
     glAttachShader(program, vertex);
@@ -49,9 +74,12 @@ GLuint build(const ProgramKey& key) {
     GLint ok = GL_FALSE;
     glGetProgramiv(program, GL_LINK_STATUS, &ok);
     if (!ok) {
-        std::fprintf(stderr, "gl11: program refused: %s\n", infoLog(program, true).c_str());
+        if (!glIsProgram(program)) {
+            return 0;
+        }
+        const std::string log = infoLog(program, true);
         glDeleteProgram(program);
-        return 0;
+        refused("The browser refused to link a program of the OpenGL 1.1 layer.", log);
     }
     glUniformBlockBinding(program, glGetUniformBlockIndex(program, "Fixed"), FIXED_UNIFORM_BINDING);
     glUniformBlockBinding(program, glGetUniformBlockIndex(program, "Transform"), TRANSFORM_UNIFORM_BINDING);
@@ -72,7 +100,10 @@ GLuint programFor(const ProgramKey& key) {
         return found->second;
     }
     const GLuint program = build(key);
-    // A refused program is remembered as 0: reported once, never drawn with.
-    g_programs.emplace(packed, program);
+    if (program != 0) {
+        g_programs.emplace(packed, program);
+    }
     return program;
 }
+
+void forgetPrograms() { g_programs.clear(); }

@@ -63,6 +63,10 @@ constexpr GLuint ATTRIBUTE_NORMAL = 1;
 constexpr GLuint ATTRIBUTE_COLOUR = 2;
 constexpr GLuint ATTRIBUTE_TEXCOORD = 3;
 
-// The linked program for `key`, built on first use. 0 if the browser refused
-// it (the reason goes to the console once).
+// The linked program for `key`, built on first use. A program the browser
+// refuses is a fatal report (caption "WEBGL ERROR", the browser's log as the
+// hint); 0 while the context is lost.
 GLuint programFor(const ProgramKey& key);
+
+// A new context, or one that came back: programs are built anew as needed.
+void forgetPrograms();

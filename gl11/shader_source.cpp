@@ -3,7 +3,7 @@
 // on, with or without a cone), and the uniform block's values.
 #include "gl11/programs.h"
 
-#include "gl11/gl11_platform.h"
+#include "gl11/faults.h"
 
 #include <cmath>
 #include <cstring>
@@ -57,19 +57,22 @@ std::string lightTerm(const ProgramKey& key, int i) {
                 "        vec3 L = toLight / distance;\n"
                 "        vec4 k = lightAttenuation[" + n + "];\n"
                 "        float attenuation = 1.0 / (k.x + k.y * distance + k.z * distance * distance);\n";
+        if (gl11Faulty(Gl11Fault::NoAttenuation)) {
+            code += "        attenuation = 1.0;\n";
+        }
     } else {
         code += "        vec3 L = normalize(lightPosition[" + n + "].xyz);\n"
                 "        float attenuation = 1.0;\n";
     }
     if (key.spotLights & (1u << i)) {
         code += "        float spot = dot(-L, lightSpot[" + n + "].xyz);\n"
-                "        float exponent = lightAttenuation[" + n + "].w;\n"
+                "        float exponent = " + (gl11Faulty(Gl11Fault::NoSpotExponent) ? std::string("0.0") : "lightAttenuation[" + n + "].w") + ";\n"
                 "        attenuation *= spot >= lightSpot[" + n + "].w ? power(spot, exponent) : 0.0;\n";
     }
     code += "        float nl = dot(n, L);\n"
             "        vec3 c = lightAmbient[" + n + "].rgb * ambientM.rgb;\n"
             "        if (nl > 0.0) {\n"
-            "            vec3 h = normalize(L + vec3(0.0, 0.0, 1.0));\n"
+            "            vec3 h = normalize(L + " + (gl11Faulty(Gl11Fault::LocalViewer) ? "normalize(-eye)" : "vec3(0.0, 0.0, 1.0)") + ");\n"
             "            c += nl * lightDiffuse[" + n + "].rgb * diffuseM.rgb;\n"
             "            c += power(dot(n, h), fogParameters.w) * lightSpecular[" + n + "].rgb * specularM.rgb;\n"
             "        }\n"
@@ -95,7 +98,8 @@ std::string lighting(const ProgramKey& key) {
 
 const char* const SPHERE_MAP = R"(    vec3 u = normalize(eye);
     vec3 r = u - 2.0 * eyeNormal * dot(eyeNormal, u);
-    float m = 2.0 * sqrt(r.x * r.x + r.y * r.y + (r.z + 1.0) * (r.z + 1.0));
+)";
+const char* const SPHERE_MAP_END = R"(    float m = 2.0 * sqrt(r.x * r.x + r.y * r.y + (r.z + 1.0) * (r.z + 1.0));
     vTexCoord = r.xy / m + 0.5;
 )";
 
@@ -126,8 +130,15 @@ std::string vertexShaderSource(const ProgramKey& key) {
             "    vec3 eye = eyePosition.xyz / eyePosition.w;\n"
             "    vec3 eyeNormal = normalMatrix * normal;\n";
     code += key.lighting ? lighting(key) : "    vColour = colour;\n";
-    code += key.sphereMap ? SPHERE_MAP : "    vTexCoord = texCoord;\n";
-    code += "    vFogDistance = abs(eye.z);\n}\n";
+    if (key.sphereMap) {
+        code += SPHERE_MAP;
+        code += gl11Faulty(Gl11Fault::SphereMapNormal) ? "    r = eyeNormal;\n" : "";
+        code += SPHERE_MAP_END;
+    } else {
+        code += gl11Faulty(Gl11Fault::FlippedTexture) ? "    vTexCoord = vec2(texCoord.s, 1.0 - texCoord.t);\n"
+                                                      : "    vTexCoord = texCoord;\n";
+    }
+    code += gl11Faulty(Gl11Fault::RadialFog) ? "    vFogDistance = length(eye);\n}\n" : "    vFogDistance = abs(eye.z);\n}\n";
     return code;
 }
 
@@ -139,8 +150,8 @@ std::string fragmentShaderSource(const ProgramKey& key) {
             "void main() {\n"
             "    vec4 c = vColour;\n";
     if (key.textureEnv == GL_DECAL) {
-        code += "    vec4 t = texture(image, vTexCoord);\n"
-                "    c.rgb = mix(c.rgb, t.rgb, t.a);\n";
+        code += "    vec4 t = texture(image, vTexCoord);\n";
+        code += gl11Faulty(Gl11Fault::DecalIgnoresAlpha) ? "    c.rgb = t.rgb;\n" : "    c.rgb = mix(c.rgb, t.rgb, t.a);\n";
     } else if (key.textureEnv != 0) {
         code += "    c *= texture(image, vTexCoord);\n";
     }
@@ -174,7 +185,7 @@ ProgramKey programKeyFor(const DrawState& state, bool textured) {
         key.spotLights &= key.lights;
         key.localLights &= key.lights;
         key.colorMaterial = (state.enables & ENABLE_COLOR_MATERIAL) ? state.colorMaterialMode : 0;
-        if (g_gl11.fault == static_cast<int>(Gl11Fault::NoColourMaterial)) {
+        if (gl11Faulty(Gl11Fault::NoColourMaterial)) {
             key.colorMaterial = 0;
         }
     }
@@ -193,7 +204,15 @@ ProgramKey programKeyFor(const DrawState& state, bool textured) {
 void fillTransformUniforms(const DrawState& state, float out[TRANSFORM_UNIFORM_FLOATS]) {
     std::memcpy(out, state.modelview.m, 16 * sizeof(float));
     // std140: each column of a mat3 takes four floats.
-    const Matrix3 normals = normalMatrix(state.modelview);
+    Matrix3 normals = normalMatrix(state.modelview);
+    if (gl11Faulty(Gl11Fault::NormalsByModelView)) {
+        for (int column = 0; column < 3; ++column) {
+            std::memcpy(normals.m + 3 * column, state.modelview.m + 4 * column, 3 * sizeof(float));
+        }
+    }
+    if (gl11Faulty(Gl11Fault::ZeroNormalMatrix) && isSingular(state.modelview)) {
+        normals = Matrix3{};
+    }
     for (int column = 0; column < 3; ++column) {
         std::memcpy(out + 16 + 4 * column, normals.m + 3 * column, 3 * sizeof(float));
         out[16 + 4 * column + 3] = 0.0f;
@@ -210,7 +229,7 @@ void fillFixedUniforms(const DrawState& state, float out[FIXED_UNIFORM_FLOATS]) 
     putVector(out + 36, state.fogColour);
     const float fog[4] = {state.fogDensity, state.fogStart, state.fogEnd, state.material.shininess};
     putVector(out + 40, fog);
-    if (g_gl11.fault == static_cast<int>(Gl11Fault::NoModelAmbient)) {
+    if (gl11Faulty(Gl11Fault::NoModelAmbient)) {
         std::memset(out + 16, 0, 3 * sizeof(float));
     }
     constexpr int LIGHT_ARRAY = 4 * GL11_LIGHTS;

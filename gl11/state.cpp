@@ -1,6 +1,8 @@
-// Capabilities, blending, culling, shading, clearing and read-back.
+// Capabilities, blending, culling, shading, clearing, read-back and queries.
 #include "gl11/batch.h"
+#include "gl11/faults.h"
 #include "gl11/state.h"
+#include "gl11/webgl_state.h"
 
 #include <cstring>
 
@@ -89,7 +91,9 @@ void resetGl11State() {
 
 void gl11Enable(GLenum capability) {
     const uint32_t bit = enableBit(capability);
-    if (bit != 0 && !(g_gl11.state.enables & bit)) {
+    if (bit == 0) {
+        passCapability(capability, true);
+    } else if (!(g_gl11.state.enables & bit)) {
         g_gl11.state.enables |= bit;
         markStateChanged();
     }
@@ -97,6 +101,10 @@ void gl11Enable(GLenum capability) {
 
 void gl11Disable(GLenum capability) {
     const uint32_t bit = enableBit(capability);
+    if (bit == 0) {
+        passCapability(capability, false);
+        return;
+    }
     if (!(g_gl11.state.enables & bit)) {
         return;
     }
@@ -122,23 +130,13 @@ void gl11BlendFunc(GLenum source, GLenum destination) {
 
 void gl11CullFace(GLenum face) { setStateField(g_gl11.state.cullFace, face); }
 
-void gl11FrontFace(GLenum winding) { setStateField(g_gl11.state.frontFace, winding); }
-
-void gl11ShadeModel(GLenum model) { setStateField(g_gl11.state.shadeModel, model); }
-
-// Most WebGL implementations draw only lines of width 1 (SwiftShader among
-// them); wider ones are asked for and clamped to what the browser offers.
-void gl11LineWidth(GLfloat width) {
-    static GLfloat current = 1.0f;
-    GLfloat range[2] = {1.0f, 1.0f};
-    glGetFloatv(GL_ALIASED_LINE_WIDTH_RANGE, range);
-    const GLfloat clamped = width < range[0] ? range[0] : width > range[1] ? range[1] : width;
-    if (clamped != current) {
-        flushBatch();
-        glLineWidth(clamped);
-        current = clamped;
+void gl11FrontFace(GLenum winding) {
+    if (!gl11Faulty(Gl11Fault::FrontFaceIgnored)) {
+        setStateField(g_gl11.state.frontFace, winding);
     }
 }
+
+void gl11ShadeModel(GLenum model) { setStateField(g_gl11.state.shadeModel, model); }
 
 void gl11ClearColor(GLfloat red, GLfloat green, GLfloat blue, GLfloat alpha) {
     setVector(g_gl11.clearColour, red, green, blue, alpha);
@@ -154,14 +152,22 @@ void gl11Clear(GLbitfield mask) {
 // Batches are drawn when something needs them drawn; a flush alone does not.
 void gl11Flush(void) {}
 
-void gl11Viewport(GLint x, GLint y, GLsizei width, GLsizei height) {
-    flushBatch();
-    glViewport(x, y, width, height);
-}
-
 void gl11ReadPixels(GLint x, GLint y, GLsizei width, GLsizei height, GLenum format, GLenum type, void* pixels) {
     flushBatch();
     glReadPixels(x, y, width, height, format, type, pixels);
 }
 
-void gl11PixelStorei(GLenum name, GLint value) { glPixelStorei(name, value); }
+// The matrices and colours the layer keeps are answered from its state;
+// anything else is WebGL's to answer, once what was batched is drawn.
+void gl11GetFloatv(GLenum name, GLfloat* values) {
+    switch (name) {
+    case GL_MODELVIEW_MATRIX: std::memcpy(values, currentModelview().m, sizeof(Matrix4::m)); break;
+    case GL_PROJECTION_MATRIX: std::memcpy(values, g_gl11.state.projection.m, sizeof(Matrix4::m)); break;
+    case GL_COLOR_CLEAR_VALUE: std::memcpy(values, g_gl11.clearColour, sizeof g_gl11.clearColour); break;
+    case GL_CURRENT_COLOR: std::memcpy(values, g_gl11.colour, sizeof g_gl11.colour); break;
+    default:
+        flushBatch();
+        glGetFloatv(name, values);
+        break;
+    }
+}

@@ -96,7 +96,6 @@ struct Gl11Context {
 
     float clearColour[4];
     bool insideBegin = false;
-    int fault = 0;               // a Gl11Fault, for tests of the frame comparison
 };
 
 extern Gl11Context g_gl11;

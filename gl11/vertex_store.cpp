@@ -25,6 +25,15 @@ struct GpuBatch {
     uint32_t lastFrame = 0;
 };
 
+// A batch drawn from kept buffers, with the vertices it was made from: a
+// batch is drawn from them only when it equals them, vertex for vertex
+// (the hash only finds the candidates).
+struct KeptBatch {
+    std::vector<BatchVertex> vertices;
+    BatchKind kind;
+    GpuBatch gpu;
+};
+
 // A batch as distinct vertices and indices, made by indexBatch.
 struct IndexedBatch {
     std::vector<BatchVertex> vertices;
@@ -33,7 +42,7 @@ struct IndexedBatch {
     std::vector<int32_t> table;          // open-addressing hash table of vertex numbers
 };
 
-std::unordered_map<uint64_t, GpuBatch> g_kept;      // by content hash
+std::unordered_map<uint64_t, std::vector<KeptBatch>> g_kept;  // by content hash
 std::unordered_map<uint64_t, uint32_t> g_streamed;  // content hash -> frame it was streamed in
 uint32_t g_frame = 1;
 GpuBatch g_stream;
@@ -56,6 +65,26 @@ uint64_t hashWords(const void* bytes, size_t size, uint64_t hash = FNV_OFFSET) {
 uint64_t contentHash(const BatchVertex* vertices, int count, BatchKind kind) {
     const uint64_t seed = FNV_OFFSET ^ (static_cast<uint64_t>(count) << 1 | static_cast<uint64_t>(kind));
     return hashWords(vertices, static_cast<size_t>(count) * sizeof(BatchVertex), seed);
+}
+
+KeptBatch* findKept(uint64_t hash, const BatchVertex* vertices, int count, BatchKind kind) {
+    const auto bucket = g_kept.find(hash);
+    if (bucket == g_kept.end()) {
+        return nullptr;
+    }
+    for (KeptBatch& kept : bucket->second) {
+        if (kept.kind == kind && kept.vertices.size() == static_cast<size_t>(count) &&
+            std::memcmp(kept.vertices.data(), vertices, static_cast<size_t>(count) * sizeof(BatchVertex)) == 0) {
+            return &kept;
+        }
+    }
+    return nullptr;
+}
+
+void deleteGpuBatch(const GpuBatch& batch) {
+    glDeleteVertexArrays(1, &batch.vertexArray);
+    glDeleteBuffers(1, &batch.vertices);
+    glDeleteBuffers(1, &batch.indices);
 }
 
 // Fills g_indexed with the distinct vertices of the batch, in order of first use.
@@ -115,7 +144,9 @@ uint32_t upload(GpuBatch& batch, GLenum usage) {
     glBufferData(GL_ARRAY_BUFFER, vertexBytes, indexed.vertices.data(), usage);
     batch.count = static_cast<int>(indexed.indices.size());
     GLsizeiptr indexBytes = 0;
-    if (indexed.vertices.size() <= 0x10000) {
+    // WebGL 2 always restarts a primitive at the largest index of the type
+    // (0xFFFF for 16 bits): 16-bit indices stop short of it.
+    if (indexed.vertices.size() <= 0xFFFF) {
         g_indexed.shortIndices.assign(indexed.indices.begin(), indexed.indices.end());
         batch.indexType = GL_UNSIGNED_SHORT;
         indexBytes = static_cast<GLsizeiptr>(indexed.shortIndices.size() * sizeof(uint16_t));
@@ -136,6 +167,8 @@ void draw(const GpuBatch& batch, BatchKind kind) {
 }  // namespace
 
 void initVertexStore() {
+    g_kept.clear();
+    g_streamed.clear();
     g_stream = makeGpuBatch();
 }
 
@@ -143,22 +176,21 @@ uint32_t drawBatchVertices(const BatchVertex* vertices, int count, BatchKind kin
     uint32_t sent = 0;
     if (count >= KEEP_MIN_VERTICES) {
         const uint64_t hash = contentHash(vertices, count, kind);
-        const auto kept = g_kept.find(hash);
-        if (kept != g_kept.end()) {
-            kept->second.lastFrame = g_frame;
-            draw(kept->second, kind);
+        if (KeptBatch* kept = findKept(hash, vertices, count, kind)) {
+            kept->gpu.lastFrame = g_frame;
+            draw(kept->gpu, kind);
             return 0;
         }
         // Sent again in the next frame: from then on it is kept.
         const auto streamed = g_streamed.find(hash);
         if (streamed != g_streamed.end() && streamed->second + 1 >= g_frame) {
-            GpuBatch batch = makeGpuBatch();
+            KeptBatch kept{std::vector<BatchVertex>(vertices, vertices + count), kind, makeGpuBatch()};
             indexBatch(vertices, count);
-            sent = upload(batch, GL_STATIC_DRAW);
-            batch.lastFrame = g_frame;
-            g_kept.emplace(hash, batch);
+            sent = upload(kept.gpu, GL_STATIC_DRAW);
+            kept.gpu.lastFrame = g_frame;
+            draw(kept.gpu, kind);
+            g_kept[hash].push_back(std::move(kept));
             g_streamed.erase(streamed);
-            draw(batch, kind);
             return sent;
         }
         g_streamed[hash] = g_frame;
@@ -170,15 +202,17 @@ uint32_t drawBatchVertices(const BatchVertex* vertices, int count, BatchKind kin
 }
 
 void endVertexStoreFrame() {
-    for (auto it = g_kept.begin(); it != g_kept.end();) {
-        if (it->second.lastFrame + KEEP_FRAMES < g_frame) {
-            glDeleteVertexArrays(1, &it->second.vertexArray);
-            glDeleteBuffers(1, &it->second.vertices);
-            glDeleteBuffers(1, &it->second.indices);
-            it = g_kept.erase(it);
-        } else {
-            ++it;
+    for (auto bucket = g_kept.begin(); bucket != g_kept.end();) {
+        std::vector<KeptBatch>& batches = bucket->second;
+        for (auto it = batches.begin(); it != batches.end();) {
+            if (it->gpu.lastFrame + KEEP_FRAMES < g_frame) {
+                deleteGpuBatch(it->gpu);
+                it = batches.erase(it);
+            } else {
+                ++it;
+            }
         }
+        bucket = batches.empty() ? g_kept.erase(bucket) : std::next(bucket);
     }
     for (auto it = g_streamed.begin(); it != g_streamed.end();) {
         it = it->second < g_frame ? g_streamed.erase(it) : std::next(it);

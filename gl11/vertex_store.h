@@ -12,7 +12,8 @@
 
 #include <cstdint>
 
-// Needs the context current.
+// Makes the buffers streamed batches are drawn from; kept buffers of a
+// context before are forgotten. Needs the context current.
 void initVertexStore();
 
 // Draws `count` vertices of `kind` (with the program and state in force).

@@ -7,6 +7,7 @@
 #include "app/shell.h"
 #include "app/show_start.h"
 #include "app/soundtrack_check.h"
+#include "app/web/context_loss.h"
 #include "app/web/page_bridge.h"
 #include "audio/fixed_step_clock.h"
 #include "audio/music.h"
@@ -44,6 +45,7 @@ bool createContext() {
         return false;
     }
     gl11Init();
+    followContextLoss();
     return true;
 }
 
@@ -118,9 +120,6 @@ extern "C" EMSCRIPTEN_KEEPALIVE void kaskade_grab_frame(int index) { grabFrameAt
 extern "C" EMSCRIPTEN_KEEPALIVE void kaskade_pause_at_frame(int index) { pauseAtFrame(index); }
 
 extern "C" EMSCRIPTEN_KEEPALIVE void kaskade_resume() { emscripten_resume_main_loop(); }
-
-// A deliberate drawing mistake (gl11_platform.h's Gl11Fault), before kaskade_start.
-extern "C" EMSCRIPTEN_KEEPALIVE void kaskade_fault(int fault) { gl11SetFault(static_cast<Gl11Fault>(fault)); }
 
 // Nothing runs before the page calls kaskade_start; the runtime stays.
 int main() { return 0; }

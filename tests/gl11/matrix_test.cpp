@@ -83,10 +83,23 @@ TEST(Gl11NormalMatrix, InvertsTheModelViewWithoutRenormalising) {
         }
     }
     EXPECT_NEAR(normalMatrix(scalingMatrix(4.0f, 4.0f, 4.0f)).m[0], 0.25f, 1e-7f);
-    const Matrix3 singular = normalMatrix(scalingMatrix(1.0f, 0.0f, 1.0f));
-    for (float element : singular.m) {
-        EXPECT_EQ(element, 0.0f);
+}
+
+// A model-view without an inverse (a mesh flattened by a zero scale) lights
+// with the normals as sent, as Mesa does: it takes such a matrix's inverse
+// to be the identity. (tests/gl11's scene "singular-model-view" draws it
+// against Mesa's own frame.)
+TEST(Gl11NormalMatrix, IsTheIdentityForAModelViewWithoutInverse) {
+    const Matrix4 flattened = multiplyMatrices(rotationMatrix(30.0f, 1.0f, 2.0f, 3.0f), scalingMatrix(1.0f, 0.0f, 1.0f));
+    EXPECT_TRUE(isSingular(flattened));
+    const Matrix3 normals = normalMatrix(flattened);
+    for (int i = 0; i < 9; ++i) {
+        EXPECT_EQ(normals.m[i], i % 4 == 0 ? 1.0f : 0.0f) << "element " << i;
     }
+    // A scale far from zero keeps its inverse: 1e-5 along one axis.
+    const Matrix4 thin = multiplyMatrices(rotationMatrix(30.0f, 1.0f, 2.0f, 3.0f), scalingMatrix(1.0f, 1e-5f, 1.0f));
+    EXPECT_FALSE(isSingular(thin));
+    EXPECT_GT(std::abs(normalMatrix(thin).m[4]), 1000.0f);
 }
 
 }  // namespace

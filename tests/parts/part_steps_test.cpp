@@ -18,6 +18,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <sstream>
@@ -387,6 +388,60 @@ TEST_F(PartSteps, WaveMeshCreditsJoinOnTheFirstFrameAfter270) {
     const std::string xxx = "overlay add xxx (120,140)-(520,340) -110\n";
     EXPECT_EQ(linesOf(frameAt(drawPart2, 270.0), "overlay"), xxx);
     EXPECT_EQ(linesOf(frameAt(drawPart2, 270.01), "overlay"), xxx + "overlay add cred (170,190)-(470,290) -110\n");
+}
+
+// The music's level is the two channels' levels together: a beat that one
+// channel alone, or either channel counted twice, would make or miss differently.
+TEST_F(PartSteps, PartOneRevealsOnTheLevelsOfBothChannelsTogether) {
+    const struct { uint32_t left, right; size_t meshesDrawn; } frames[] = {
+        {30, 1, 4},   // 31: a beat (the left alone, 30, is none; the right twice, 2, is none)
+        {1, 30, 4},   // 31: a beat (the right alone is none; the left twice is none)
+        {15, 15, 3},  // 30: none
+        {0, 0, 3},
+    };
+    for (const auto& frame : frames) {
+        g_partCounter = 1;
+        g_revealIndex = 3;
+        g_revealArmed = 1;
+        hide(*g_testWorld, 4);
+        const std::string meshes = linesOf(frameAt(drawPart1, 100.0, frame.left, frame.right), "mesh");
+        EXPECT_EQ(static_cast<size_t>(std::count(meshes.begin(), meshes.end(), '\n')), frame.meshesDrawn)
+            << "left " << frame.left << ", right " << frame.right;
+    }
+}
+
+// The mesh part 7 pushes out of place (move (30,30,30)) in its solid pass: its
+// number among the meshes drawn, or -1 for none.
+int pushedMesh(const std::string& recording) {
+    std::istringstream lines(recording);
+    int mesh = -1;
+    int index = 0;
+    for (std::string line; std::getline(lines, line);) {
+        if (line.rfind("render", 0) == 0 && index > 0) {
+            break;
+        }
+        if (line.rfind("mesh", 0) == 0) {
+            mesh = line.find("move (30,30,30)") != std::string::npos ? index : mesh;
+            ++index;
+        }
+    }
+    return mesh;
+}
+
+TEST_F(PartSteps, PartSevenPushesTheMeshOfTheLevelsOfBothChannelsTogether) {
+    const struct { uint32_t left, right; int pushed; } frames[] = {
+        {36, 35, 1},   // 71 (the left alone: mesh 0; the right twice, 70: none)
+        {35, 36, 1},   // 71 (the right alone: mesh 0; the left twice, 70: none)
+        {0, 40, 0},    // 40 (the left alone: none; the right twice, 80: mesh 1)
+        {40, 0, 0},    // 40 (the right alone: none; the left twice: mesh 1)
+        {20, 15, -1},  // 35, on a band's bound (the left twice, 40: mesh 0)
+    };
+    for (const auto& frame : frames) {
+        g_partCounter = 13;
+        g_partStart = 400.0f;
+        EXPECT_EQ(pushedMesh(frameAt(drawPart7, 800.0, frame.left, frame.right)), frame.pushed)
+            << "left " << frame.left << ", right " << frame.right;
+    }
 }
 
 TEST_F(PartSteps, PartsEightNineAndElevenDrawWithoutTheFogTheyFind) {

@@ -9,7 +9,7 @@
 
 const os = require('node:os');
 const path = require('node:path');
-const { launchBrowser, openPage, serveSite } = require('./browser.js');
+const { launchBrowser, onServedPage, waitForState } = require('./browser.js');
 const { ENDS } = require('./frames.js');
 
 const SITE = path.resolve(process.env.KASKADE_SITE || path.join(__dirname, '../../build-web/web'));
@@ -17,27 +17,22 @@ const RUNS = Number(process.argv[2] || 3);
 const FPS = 60;
 const FRAMES = 4 * FPS;
 
-async function timePart(browser, siteUrl, part) {
-  const page = await openPage(browser, []);
-  const stop = Math.floor((ENDS[part - 1] * FPS) / 10) + FRAMES;
-  await page.goto(`${siteUrl}?part=${part}&fps=${FPS}&stop=${stop}`);
-  await page.waitForFunction(() => ['paused', 'ended', 'failed'].includes(window.kaskade.state), null,
-                             { timeout: 600000, polling: 200 });
-  const counts = (await page.evaluate(() => window.kaskade.partCounts()))[part - 1];
-  await page.close();
-  return counts;
+function timePart(browser, part) {
+  return onServedPage(browser, SITE, {}, async (page, url) => {
+    const stop = Math.floor((ENDS[part - 1] * FPS) / 10) + FRAMES;
+    await page.goto(`${url}?part=${part}&fps=${FPS}&stop=${stop}`);
+    await waitForState(page, ['paused', 'ended', 'failed'], 600000);
+    return (await page.evaluate(() => window.kaskade.partCounts()))[part - 1];
+  });
 }
 
-(async () => {
-  const site = await serveSite(SITE);
-  // Animation frames unbound from the display's 60 Hz.
-  const browser = await launchBrowser(['--disable-frame-rate-limit', '--disable-gpu-vsync']);
+async function report(browser) {
   const load = os.loadavg()[0];
   console.log('part  frames/s  glBegin/frame  draw calls/frame  vertices/frame  KB sent/frame');
   for (let part = 1; part <= 13; ++part) {
     let best = null;
     for (let run = 0; run < RUNS; ++run) {
-      const counts = await timePart(browser, site.url, part);
+      const counts = await timePart(browser, part);
       counts.rate = ((counts.frames - 1) * 1000) / counts.millis;
       best = best === null || counts.rate > best.rate ? counts : best;
     }
@@ -48,6 +43,17 @@ async function timePart(browser, siteUrl, part) {
   }
   console.log(`best of ${RUNS} runs of ${FRAMES} frames each; load average ${load.toFixed(1)} before, ` +
               `${os.loadavg()[0].toFixed(1)} after (2 cores)`);
-  await browser.close();
-  site.close();
-})();
+}
+
+(async () => {
+  // Animation frames unbound from the display's 60 Hz.
+  const browser = await launchBrowser(['--disable-frame-rate-limit', '--disable-gpu-vsync']);
+  try {
+    await report(browser);
+  } finally {
+    await browser.close();
+  }
+})().catch((error) => {
+  console.error(String(error.message || error));
+  process.exitCode = 1;
+});

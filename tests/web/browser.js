@@ -13,7 +13,8 @@ const TYPES = {
   '.mp3': 'audio/mpeg', '.png': 'image/png',
 };
 
-// Serves the files of `root`; resolves to {url, close()}. `replaced` maps a
+// Serves the files of `root`; resolves to {url, close()}, close() resolving
+// once the server and every connection to it are closed. `replaced` maps a
 // file name to the bytes served in its place, or to null for a missing file.
 function serveSite(root, replaced = {}) {
   const server = http.createServer((request, response) => {
@@ -32,7 +33,11 @@ function serveSite(root, replaced = {}) {
   });
   return new Promise((resolve) => {
     server.listen(0, '127.0.0.1', () => {
-      resolve({ url: `http://127.0.0.1:${server.address().port}/`, close: () => server.close() });
+      const close = () => new Promise((closed) => {
+        server.close(() => closed());
+        server.closeAllConnections();
+      });
+      resolve({ url: `http://127.0.0.1:${server.address().port}/`, close });
     });
   });
 }
@@ -65,4 +70,36 @@ async function openPage(browser, errors) {
   return page;
 }
 
-module.exports = { serveSite, launchBrowser, openPage };
+// Runs `body(page, url, errors)` with a page of `browser` on a server of its
+// own for `root` (`replaced` as for serveSite); the page and the server are
+// closed however `body` ends, so a failing test leaves nothing running.
+async function onServedPage(browser, root, replaced, body) {
+  const site = await serveSite(root, replaced);
+  const errors = [];
+  let page = null;
+  try {
+    page = await openPage(browser, errors);
+    return await body(page, site.url, errors);
+  } finally {
+    if (page !== null) {
+      await page.close().catch(() => {});
+    }
+    await site.close();
+  }
+}
+
+// Waits until window.kaskade.state is one of `states`; a wait that times out
+// fails with the state the page is in and what its status line says.
+async function waitForState(page, states, timeout) {
+  try {
+    await page.waitForFunction((wanted) => wanted.includes(window.kaskade.state), states, { timeout, polling: 100 });
+  } catch (error) {
+    const seen = await page.evaluate(() => ({ state: window.kaskade && window.kaskade.state,
+                                             status: document.getElementById('status').textContent }))
+      .catch(() => ({ state: 'unknown', status: String(error.message).split('\n')[0] }));
+    throw new Error(`the page did not reach ${states.join(' or ')} within ${timeout / 1000} s: ` +
+                    `state ${seen.state}, status "${seen.status}"`);
+  }
+}
+
+module.exports = { serveSite, launchBrowser, openPage, onServedPage, waitForState };

@@ -1,6 +1,8 @@
 // The show in a real browser: Debian's Chromium, headless, WebGL 2 through
 // SwiftShader, the site that scripts/web builds (KASKADE_SITE, by default
-// build-web/web). Run with `node --test`.
+// build-web/web). Run with `node --test`. Every test has a time limit and
+// closes its page and server however it ends (onServedPage), the browser is
+// closed after the last: a failing test is reported as itself and the run ends.
 'use strict';
 
 const assert = require('node:assert/strict');
@@ -8,8 +10,8 @@ const fs = require('node:fs');
 const path = require('node:path');
 const { after, before, describe, test } = require('node:test');
 
-const { launchBrowser, openPage, serveSite } = require('./browser.js');
-const { compareInPage, lastFrame, middleFrame } = require('./frames.js');
+const { launchBrowser, onServedPage, waitForState } = require('./browser.js');
+const { ENDS, compareInPage, lastFrame, middleFrame } = require('./frames.js');
 
 const ROOT = path.resolve(__dirname, '../..');
 const SITE = path.resolve(process.env.KASKADE_SITE || path.join(ROOT, 'build-web/web'));
@@ -30,37 +32,50 @@ const SCREENSHOT_PARTS = [1, 7, 11];
 const MAX_SHIFTED_ERROR = 1.0;
 
 const partName = (part) => `part${String(part).padStart(2, '0')}`;
-const waitForState = (page, states, timeout) =>
-  page.waitForFunction((wanted) => wanted.includes(window.kaskade.state), states, { timeout, polling: 100 });
+const MINUTE = 60000;
 
-let browser;
+let browser = null;
 before(async () => {
   assert.ok(fs.existsSync(path.join(SITE, 'kaskade.wasm')), `no site at ${SITE}: run scripts/web first`);
   browser = await launchBrowser();
 });
 after(async () => {
-  await browser.close();
+  if (browser !== null) {
+    await browser.close();
+  }
 });
 
+// The grabbed frame `frame` against the desktop's reference frame of `part`:
+// its errors, and the frame written beside the screenshots when it is too far.
+async function compareWithDesktop(page, part, frame) {
+  const reference = fs.readFileSync(path.join(REFERENCES, `${partName(part)}.png`)).toString('base64');
+  const result = await page.evaluate(compareInPage, [frame, `data:image/png;base64,${reference}`]);
+  assert.equal(result.error, undefined);
+  if (result.shiftedError > MAX_SHIFTED_ERROR) {
+    fs.mkdirSync(SCREENS, { recursive: true });
+    result.file = path.join(SCREENS, `${partName(part)}-frame${frame}-differs.png`);
+    fs.writeFileSync(result.file, Buffer.from(result.png.split(',')[1], 'base64'));
+  }
+  return result;
+}
+
 describe('the fixed-step show', () => {
-  test('draws the middle of every part as the desktop does and plays to the end of part 13', async () => {
-    const site = await serveSite(SITE);
-    const errors = [];
-    const page = await openPage(browser, errors);
+  test('draws the middle of every part as the desktop does and plays to the end of part 13', { timeout: 20 * MINUTE },
+       () => onServedPage(browser, SITE, {}, async (page, url, errors) => {
     const middles = PARTS.map((part) => middleFrame(part, FPS));
     const pauses = SCREENSHOT_PARTS.map((part) => middleFrame(part, FPS));
-    await page.goto(`${site.url}?fps=${FPS}&grab=${middles.join(',')}&stop=${pauses.join(',')}`);
+    await page.goto(`${url}?fps=${FPS}&grab=${middles.join(',')}&stop=${pauses.join(',')}`);
 
     fs.mkdirSync(SCREENS, { recursive: true });
     for (const part of SCREENSHOT_PARTS) {
-      await waitForState(page, ['paused', 'failed'], 120000);
+      await waitForState(page, ['paused', 'failed'], 5 * MINUTE);
       assert.equal(await page.evaluate(() => window.kaskade.pausedAt), middleFrame(part, FPS));
       const file = path.join(SCREENS, `${partName(part)}.png`);
       await page.locator('#canvas').screenshot({ path: file });
       console.log(`screenshot of part ${part}: ${file}`);
       await page.evaluate(() => window.kaskade.resume());
     }
-    await waitForState(page, ['ended', 'failed'], 300000);
+    await waitForState(page, ['ended', 'failed'], 10 * MINUTE);
     const ended = await page.evaluate(() => ({ line: window.kaskade.endLine, status: document.getElementById('status').textContent }));
     assert.match(ended.line, /^fps: \d+\.\d\d$/);
     assert.equal(ended.status, ended.line, 'the end line is on the page');
@@ -70,32 +85,24 @@ describe('the fixed-step show', () => {
     const failures = [];
     console.log('part  frame  meanError  shiftedError');
     for (const part of PARTS) {
-      const reference = fs.readFileSync(path.join(REFERENCES, `${partName(part)}.png`)).toString('base64');
-      const result = await page.evaluate(compareInPage, [middleFrame(part, FPS), `data:image/png;base64,${reference}`]);
-      assert.equal(result.error, undefined);
+      const result = await compareWithDesktop(page, part, middleFrame(part, FPS));
       console.log(`${String(part).padStart(4)}  ${String(middleFrame(part, FPS)).padStart(5)}  ` +
                   `${result.meanError.toFixed(2).padStart(9)}  ${result.shiftedError.toFixed(2).padStart(12)}`);
-      if (result.shiftedError > MAX_SHIFTED_ERROR) {
-        const file = path.join(SCREENS, `${partName(part)}-differs.png`);
-        fs.writeFileSync(file, Buffer.from(result.png.split(',')[1], 'base64'));
-        failures.push(`part ${part}: ${result.shiftedError.toFixed(2)} (frame written to ${file})`);
+      if (result.file) {
+        failures.push(`part ${part}: ${result.shiftedError.toFixed(2)} (frame written to ${result.file})`);
       }
     }
     assert.deepEqual(failures, [], `frames further than ${MAX_SHIFTED_ERROR} from the desktop's`);
     assert.deepEqual(errors, []);
-    await page.close();
-    site.close();
-  });
+  }));
 });
 
 describe('the live show', () => {
-  test('waits for a gesture, plays on the AudioContext clock, goes fullscreen in 4:3 and ends on a mouse press', async () => {
-    const site = await serveSite(SITE);
-    const errors = [];
+  test('waits for a gesture, plays on the AudioContext clock, goes fullscreen in 4:3 and ends on a mouse press',
+       { timeout: 5 * MINUTE }, () => onServedPage(browser, SITE, {}, async (page, url, errors) => {
     const logged = [];
-    const page = await openPage(browser, errors);
     page.on('console', (message) => logged.push(message.text()));
-    await page.goto(site.url);
+    await page.goto(url);
     await page.waitForFunction(() => window.kaskade.state === 'ready', null, { timeout: 60000 });
     assert.equal(await page.locator('#cover h1').textContent(), 'kaskade');
     assert.equal(await page.evaluate(() => window.kaskade.soundtrack), 'decoded');
@@ -123,18 +130,16 @@ describe('the live show', () => {
     await waitForState(page, ['ended', 'failed'], 10000);
     assert.match(await page.locator('#status').textContent(), /^fps: \d+\.\d\d$/);
     assert.deepEqual(errors, []);
-    await page.close();
-    site.close();
-  });
+  }));
 });
 
 describe('bad content', () => {
-  test('a soundtrack the browser cannot decode is said on the page; the show runs without sound until Escape', async () => {
-    const site = await serveSite(SITE, { 'harbour.mp3': Buffer.from('this is not an MP3 file\n'.repeat(64)) });
-    const errors = [];
-    const page = await openPage(browser, errors);
-    await page.goto(site.url);
-    await page.waitForFunction(() => window.kaskade.state === 'ready', null, { timeout: 60000 });
+  test('a soundtrack the browser cannot decode is said on the page; the show runs without sound until Escape',
+       { timeout: 3 * MINUTE }, () => onServedPage(browser, SITE,
+                                                   { 'harbour.mp3': Buffer.from('this is not an MP3 file\n'.repeat(64)) },
+                                                   async (page, url, errors) => {
+    await page.goto(url);
+    await waitForState(page, ['ready', 'failed'], MINUTE);
     assert.match(await page.locator('#status').textContent(), /harbour\.mp3 does not decode in this browser: the show runs without sound/);
     await page.locator('#start').click();
     await page.waitForFunction(() => window.kaskade.partCounts()[0].frames > 3, null, { timeout: 30000 });
@@ -143,28 +148,67 @@ describe('bad content', () => {
     await waitForState(page, ['ended', 'failed'], 10000);
     assert.equal(await page.evaluate(() => window.kaskade.state), 'ended');
     assert.deepEqual(errors, []);
-    await page.close();
-    site.close();
-  });
+  }));
 
-  test("an archive cut short ends the show with the library's report on the page", async () => {
+  test("an archive cut short ends the show with the library's report on the page", { timeout: 3 * MINUTE }, () => {
     const archive = fs.readFileSync(path.join(SITE, '3d')).subarray(0, 300000);
-    const site = await serveSite(SITE, { '3d': archive });
-    const page = await openPage(browser, []);
-    await page.goto(`${site.url}?fps=${FPS}`);
-    await page.waitForFunction(() => window.kaskade.state === 'failed', null, { timeout: 60000 });
-    assert.match(await page.locator('#status').textContent(), /^KOBALT LIBRARY ERROR: File not found : /);
-    await page.close();
-    site.close();
+    return onServedPage(browser, SITE, { '3d': archive }, async (page, url) => {
+      await page.goto(`${url}?fps=${FPS}`);
+      await waitForState(page, ['failed'], MINUTE);
+      assert.match(await page.locator('#status').textContent(), /^KOBALT LIBRARY ERROR: File not found : /);
+    });
   });
 
-  test('a missing archive is said on the page, and nothing starts', async () => {
-    const site = await serveSite(SITE, { '3d': null });
-    const page = await openPage(browser, []);
-    await page.goto(`${site.url}?fps=${FPS}`);
-    await page.waitForFunction(() => window.kaskade.state === 'failed', null, { timeout: 60000 });
+  test('a missing archive is said on the page, and nothing starts', { timeout: 3 * MINUTE },
+       () => onServedPage(browser, SITE, { '3d': null }, async (page, url) => {
+    await page.goto(`${url}?fps=${FPS}`);
+    await waitForState(page, ['failed'], MINUTE);
     assert.match(await page.locator('#status').textContent(), /The archive "3d" could not be loaded \(HTTP 404\)/);
-    await page.close();
-    site.close();
-  });
+  }));
+
+  test('the shipped site has no deliberate drawing mistakes: ?fault= says so and nothing starts',
+       { timeout: 3 * MINUTE }, () => onServedPage(browser, SITE, {}, async (page, url) => {
+    await page.goto(`${url}?fps=${FPS}&fault=ambient`);
+    await waitForState(page, ['failed', 'playing'], MINUTE);
+    assert.equal(await page.evaluate(() => window.kaskade.state), 'failed');
+    assert.match(await page.locator('#status').textContent(), /\?fault= exists only in the site built for tests/);
+  }));
+});
+
+describe('a lost WebGL context', () => {
+  // Lost one second before part 7 begins, so that its images arrive while
+  // the context is gone; given back before the middle of part 7.
+  test('given back by the browser, the show draws on as the desktop draws', { timeout: 10 * MINUTE },
+       () => onServedPage(browser, SITE, {}, async (page, url, errors) => {
+    const middle = middleFrame(7, FPS);
+    const lost = Math.floor((ENDS[6] * FPS) / 10) - FPS;
+    const given = lost + 4 * FPS;
+    await page.goto(`${url}?fps=${FPS}&stop=${lost},${given},${middle}&grab=${middle}`);
+    await waitForState(page, ['paused', 'failed'], 5 * MINUTE);
+    assert.equal(await page.evaluate(() => window.kaskade.pausedAt), lost);
+
+    const status = () => page.locator('#status').textContent();
+    await page.evaluate(() => {
+      window.contextLoss = document.getElementById('canvas').getContext('webgl2').getExtension('WEBGL_lose_context');
+      window.contextLoss.loseContext();
+    });
+    await page.waitForFunction(() => /took the show's WebGL context away/.test(document.getElementById('status').textContent),
+                               null, { timeout: 10000 });
+    await page.evaluate(() => window.kaskade.resume());
+    await waitForState(page, ['paused', 'failed'], 2 * MINUTE);
+    assert.equal(await page.evaluate(() => window.kaskade.pausedAt), given, `the show ran on unseen: ${await status()}`);
+
+    await page.evaluate(() => window.contextLoss.restoreContext());
+    await page.waitForFunction(() => /gave the WebGL context back/.test(document.getElementById('status').textContent),
+                               null, { timeout: 10000 });
+    await page.evaluate(() => window.kaskade.resume());
+    await waitForState(page, ['paused', 'failed'], 2 * MINUTE);
+    assert.equal(await page.evaluate(() => window.kaskade.pausedAt), middle, await status());
+    const result = await compareWithDesktop(page, 7, middle);
+    console.log(`part 7 after the context came back: meanError ${result.meanError.toFixed(2)}, ` +
+                `shiftedError ${result.shiftedError.toFixed(2)}`);
+    assert.ok(result.shiftedError <= MAX_SHIFTED_ERROR,
+              `${result.shiftedError.toFixed(2)} from the desktop's frame (written to ${result.file})`);
+    assert.deepEqual(errors.filter((line) => !/CONTEXT_LOST_WEBGL/.test(line)), []);
+  }));
 });

@@ -12,7 +12,8 @@
 //              window.kaskade.frames
 //   stop=a,b   frames after which the show pauses; window.kaskade.resume() goes on
 //   fault=F    a deliberate drawing mistake, to see what the frame comparison
-//              makes of it: fov, ambient, colour-material, flat-vertex
+//              makes of it (fov, ambient, colour-material, flat-vertex...): only
+//              in the site built for that test (scripts/web --faults)
 'use strict';
 
 (function () {
@@ -21,7 +22,6 @@
   const SAMPLE_RATE = 44100;  // the show's levels are measured at this rate
   const MAX_FIXED_FPS = 240;
   const MAX_SOUNDTRACK_FRAMES = SAMPLE_RATE * 60 * 10;  // as the show accepts
-  const FAULTS = ['', 'fov', 'ambient', 'colour-material', 'flat-vertex'];  // Gl11Fault's order
 
   const params = new URLSearchParams(location.search);
   const frameList = (name) => (params.get(name) || '').split(',').filter((s) => /^\d+$/.test(s)).map(Number);
@@ -233,8 +233,12 @@
     for (const index of frameList('stop')) {
       Module._kaskade_pause_at_frame(index);
     }
-    const fault = FAULTS.indexOf(params.get('fault') || '');
-    Module._kaskade_fault(fault > 0 ? fault : 0);
+    const fault = params.get('fault');
+    if (fault !== null && !(Module._kaskade_fault && Module.ccall('kaskade_fault', 'number', ['string'], [fault]))) {
+      fail(Module._kaskade_fault ? `?fault=${fault} names no deliberate mistake.`
+                                 : '?fault= exists only in the site built for tests (scripts/web --faults).');
+      return;
+    }
     kaskade.state = 'ready';
     if (fixedFps) {
       start();
