@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <dirent.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <signal.h>
 #include <unistd.h>
@@ -140,7 +141,11 @@ TEST_F(Capture, EveryPartDrawsItsReferenceFramePlayedToOrStartedAt) {
 TEST_F(Capture, CtrlCEndsAVideoCaptureWithAPlayableVideoOfTheFramesCaptured) {
     const std::string video = dir_ + "/cut.mp4";
     const pid_t pid = startShow({"--capture", video});
-    sleep(4);
+    // Until a second or so is encoded, however slowly the machine draws.
+    struct stat info {};
+    for (int waited = 0; waited < 60000 && (stat(video.c_str(), &info) != 0 || info.st_size < 400000); waited += 50) {
+        usleep(50000);
+    }
     kill(pid, SIGINT);
     EXPECT_EQ(waitForShow(pid), 130);
 
