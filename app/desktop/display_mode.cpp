@@ -93,29 +93,11 @@ bool isXwayland(Display* display, const Monitor& monitor) {
     return monitor.name.rfind("XWAYLAND", 0) == 0 || XQueryExtension(display, "XWAYLAND", &opcode, &event, &error);
 }
 
-const CrtcState* crtcOf(const ScreenLayout& layout, RRCrtc crtc) {
-    for (const CrtcState& state : layout.crtcs) {
-        if (state.crtc == crtc) {
-            return &state;
-        }
-    }
-    return nullptr;
-}
-
-// Sets `mode` on the monitor's CRTC, keeping its place, rotation and outputs.
-bool applyMode(Display* display, XRRScreenResources* resources, const CrtcState& crtc, RRMode mode) {
-    XErrorTrap trap(display);
-    std::vector<RROutput> outputs = crtc.outputs;
-    const Status status = XRRSetCrtcConfig(display, resources, crtc.crtc, CurrentTime, crtc.x, crtc.y, mode,
-                                           crtc.rotation, outputs.data(), static_cast<int>(outputs.size()));
-    return status == RRSetConfigSuccess && !trap.failed();
-}
-
 // The switch itself, once the layout is saved. 0 when the monitor reads back
 // at width x height.
 int switchMonitor(Display* display, const Monitor& monitor, int width, int height) {
     XRRScreenResources* resources = XRRGetScreenResourcesCurrent(display, DefaultRootWindow(display));
-    const CrtcState* crtc = crtcOf(g_switched.original, monitor.crtc);
+    const CrtcState* crtc = g_switched.original.find(monitor.crtc);
     if (resources == nullptr || crtc == nullptr) {
         if (resources != nullptr) {
             XRRFreeScreenResources(resources);
@@ -136,9 +118,11 @@ int switchMonitor(Display* display, const Monitor& monitor, int width, int heigh
         note("no guard process could be started: " + monitor.name + " stays at " + was);
     } else {
         const std::string now = describe(modeInfo(resources, wanted));
-        g_switched.asked = applyMode(display, resources, *crtc, wanted);
+        CrtcState switching = *crtc;
+        switching.mode = wanted;
+        g_switched.asked = setCrtc(display, resources, switching);
         ScreenLayout after;
-        const CrtcState* switched = readScreenLayout(display, &after) ? crtcOf(after, crtc->crtc) : nullptr;
+        const CrtcState* switched = readScreenLayout(display, &after) ? after.find(crtc->crtc) : nullptr;
         const bool quarterTurn = (crtc->rotation & (RR_Rotate_90 | RR_Rotate_270)) != 0;
         const unsigned wide = static_cast<unsigned>(quarterTurn ? height : width);
         const unsigned high = static_cast<unsigned>(quarterTurn ? width : height);

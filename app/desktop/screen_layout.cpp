@@ -35,22 +35,6 @@ bool readCrtc(Display* display, XRRScreenResources* resources, RRCrtc crtc, Crtc
     return true;
 }
 
-Status applyCrtc(Display* display, XRRScreenResources* resources, const CrtcState& state) {
-    std::vector<RROutput> outputs = state.outputs;
-    return XRRSetCrtcConfig(display, resources, state.crtc, CurrentTime, state.x, state.y, state.mode,
-                            state.rotation, outputs.empty() ? nullptr : outputs.data(),
-                            static_cast<int>(outputs.size()));
-}
-
-const CrtcState* findCrtc(const ScreenLayout& layout, RRCrtc crtc) {
-    for (const CrtcState& state : layout.crtcs) {
-        if (state.crtc == crtc) {
-            return &state;
-        }
-    }
-    return nullptr;
-}
-
 bool fitsIn(const CrtcState& state, int width, int height) {
     return state.mode == None ||
            (state.x + static_cast<int>(state.width) <= width && state.y + static_cast<int>(state.height) <= height);
@@ -75,6 +59,24 @@ bool CrtcState::operator==(const CrtcState& other) const {
 
 bool ScreenLayout::operator==(const ScreenLayout& other) const {
     return width == other.width && height == other.height && primary == other.primary && crtcs == other.crtcs;
+}
+
+const CrtcState* ScreenLayout::find(RRCrtc crtc) const {
+    for (const CrtcState& state : crtcs) {
+        if (state.crtc == crtc) {
+            return &state;
+        }
+    }
+    return nullptr;
+}
+
+bool setCrtc(Display* display, XRRScreenResources* resources, const CrtcState& state) {
+    XErrorTrap trap(display);
+    std::vector<RROutput> outputs = state.outputs;
+    const Status status = XRRSetCrtcConfig(display, resources, state.crtc, CurrentTime, state.x, state.y, state.mode,
+                                           state.rotation, outputs.empty() ? nullptr : outputs.data(),
+                                           static_cast<int>(outputs.size()));
+    return status == RRSetConfigSuccess && !trap.failed();
 }
 
 XErrorTrap::XErrorTrap(Display* display) : display_(display) {
@@ -152,7 +154,7 @@ bool setScreenLayout(Display* display, const ScreenLayout& layout) {
         // time) and those that would not fit the screen's size to come.
         std::vector<RRCrtc> turnedOff;
         for (const CrtcState& now : current.crtcs) {
-            const CrtcState* wanted = findCrtc(layout, now.crtc);
+            const CrtcState* wanted = layout.find(now.crtc);
             if (wanted == nullptr || now == *wanted || now.mode == None) {
                 continue;
             }
@@ -160,7 +162,7 @@ bool setScreenLayout(Display* display, const ScreenLayout& layout) {
                 CrtcState off = now;
                 off.mode = None;
                 off.outputs.clear();
-                applyCrtc(display, resources, off);
+                setCrtc(display, resources, off);
                 turnedOff.push_back(now.crtc);
             }
         }
@@ -168,10 +170,10 @@ bool setScreenLayout(Display* display, const ScreenLayout& layout) {
             XRRSetScreenSize(display, root, layout.width, layout.height, layout.widthMm, layout.heightMm);
         }
         for (const CrtcState& wanted : layout.crtcs) {
-            const CrtcState* now = findCrtc(current, wanted.crtc);
+            const CrtcState* now = current.find(wanted.crtc);
             const bool off = std::find(turnedOff.begin(), turnedOff.end(), wanted.crtc) != turnedOff.end();
             if (now == nullptr || *now != wanted || off) {
-                applyCrtc(display, resources, wanted);
+                setCrtc(display, resources, wanted);
             }
         }
         if (XRRGetOutputPrimary(display, root) != layout.primary) {

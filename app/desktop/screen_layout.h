@@ -36,6 +36,8 @@ struct ScreenLayout {
     std::vector<CrtcState> crtcs;
 
     bool operator==(const ScreenLayout& other) const;
+    // The state of `crtc`, or null when the screen has no such CRTC.
+    const CrtcState* find(RRCrtc crtc) const;
 };
 
 // A lit monitor: a CRTC's rectangle on the screen, named by its first output.
@@ -61,6 +63,10 @@ bool readScreenLayout(Display* display, ScreenLayout* layout);
 // first, then the screen size, every CRTC and the primary output are set.
 // True when the screen reads back as `layout`.
 bool setScreenLayout(Display* display, const ScreenLayout& layout);
+
+// Sets one CRTC to `state`: its mode, place, rotation and outputs. True when
+// the server took it.
+bool setCrtc(Display* display, XRRScreenResources* resources, const CrtcState& state);
 
 // The lit monitors of `layout`, in CRTC order. A display without RandR 1.2
 // has one: the whole screen.
