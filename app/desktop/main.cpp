@@ -1,6 +1,7 @@
 // kaskade: the show's entry. Start-up runs in a fixed order; from the main loop
 // on, everything happens in the GLUT callbacks until the sequencer's end path.
 #include "app/desktop/capture.h"
+#include "app/desktop/data_directories.h"
 #include "app/desktop/display_mode.h"
 #include "app/desktop/frame_target.h"
 #include "app/desktop/multisample.h"
@@ -14,6 +15,7 @@
 #include "app/soundtrack_check.h"
 #include "audio/fixed_step_clock.h"
 #include "audio/music.h"
+#include "base/data_path.h"
 #include "base/fatal.h"
 
 #include <GL/freeglut.h>
@@ -32,9 +34,9 @@ const char* const SOUNDTRACK_FILE = "harbour.mp3";
 }
 
 // The fixed-step clock instead of the wall clock and the audio device: the
-// soundtrack is decoded for its levels, its length and a capture's sound.
-void startFixedStep(const ShowOptions& options) {
-    const std::string soundtrack = options.noSound ? "" : SOUNDTRACK_FILE;
+// soundtrack (empty with --nosound) is decoded for its levels, its length and
+// a capture's sound.
+void startFixedStep(const ShowOptions& options, const std::string& soundtrack) {
     std::string error;
     if (!startFixedStepClock(options.fps, soundtrack, &error)) {
         musicFatal("Can't play the file");
@@ -112,8 +114,10 @@ int main(int argc, char** argv) {
     setFatalGiveBack(restoreDisplayMode);
     g_verbose = options.verbose;
     g_soundEnabled = !options.noSound && options.fps == 0;
+    addShowDataDirectories(options.verbose);
+    const std::string soundtrack = options.noSound ? "" : dataFilePath(SOUNDTRACK_FILE);
     if (options.fps != 0) {
-        startFixedStep(options);
+        startFixedStep(options, soundtrack);
     }
 
     if (options.windowed) {
@@ -121,7 +125,7 @@ int main(int argc, char** argv) {
     } else if (g_fullscreen && setDisplayMode(640, 480, 32) == 0) {
         installCrashGiveBack();
     }
-    openMusic(SOUNDTRACK_FILE);
+    openMusic(soundtrack.c_str());
     const std::string warning =
         shortSoundtrackWarning(SOUNDTRACK_FILE, options.fps != 0 ? fixedStepSongMillis() : soundtrackMillis());
     if (!warning.empty()) {

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "app/desktop/video_encoder.h"
+#include "kaskade_version.h"
 #include "app/shell.h"
 #include "parts/part_schedule.h"
 
