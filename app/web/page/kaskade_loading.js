@@ -7,7 +7,7 @@
 'use strict';
 
 window.kaskadeLoading = (function () {
-  const MEGABYTE = 1024 * 1024;
+  const MEGABYTE = 1000 * 1000;
 
   async function announcedSizes() {
     try {
@@ -47,11 +47,19 @@ window.kaskadeLoading = (function () {
   }
 
   function megabytes(bytes) {
-    return (bytes / MEGABYTE).toFixed(bytes < 10 * MEGABYTE ? 2 : 1);
+    return (bytes / MEGABYTE).toFixed(2);
   }
 
-  // The cover's lines: one per file, and the whole as a bar and a percentage.
-  function render(progress, list, bar) {
+  // Draws into `element`: a bar and a line for all the files, a line per file.
+  function render(progress, element) {
+    if (!element.firstChild) {
+      element.append(document.createElement('progress'), document.createElement('div'),
+                     document.createElement('ul'));
+    }
+    const [bar, whole, list] = element.children;
+    bar.max = Math.max(progress.total, 1);
+    bar.value = progress.loaded;
+    whole.textContent = `${megabytes(progress.loaded)} of ${megabytes(progress.total)} MB, ${progress.percent} %`;
     list.textContent = '';
     for (const file of progress.files) {
       const line = document.createElement('li');
@@ -60,17 +68,14 @@ window.kaskadeLoading = (function () {
         (file.failed ? ' (failed)' : file.done ? ' \u2713' : '');
       list.appendChild(line);
     }
-    bar.max = Math.max(progress.total, 1);
-    bar.value = progress.loaded;
-    bar.textContent = `${progress.percent} %`;
   }
 
   // Fetches `names` side by side. Returns {progress, files}: `files` maps
   // each name to a promise of its bytes (rejected with the reason when it
   // cannot be had); `progress` is {files: [{name, loaded, total, done,
   // failed}], loaded, total, percent}, kept up to date and drawn into
-  // `list` (a <ul>) and `bar` (a <progress>) as bytes arrive.
-  function load(names, list, bar) {
+  // `element` as bytes arrive.
+  function load(names, element) {
     const progress = {
       files: names.map((name) => ({ name, loaded: 0, total: 0, done: false, failed: false })),
       loaded: 0,
@@ -89,7 +94,7 @@ window.kaskadeLoading = (function () {
         drawn = true;
         requestAnimationFrame(() => {
           drawn = false;
-          render(progress, list, bar);
+          render(progress, element);
         });
       }
     };

@@ -361,8 +361,7 @@
     document.body.appendChild(script);
   }
 
-  const loading = window.kaskadeLoading.load([PROGRAM, PROGRAM_CODE, ARCHIVE, SOUNDTRACK], byId('files'),
-                                             byId('progress'));
+  const loading = window.kaskadeLoading.load([PROGRAM, PROGRAM_CODE, ARCHIVE, SOUNDTRACK], byId('loading'));
   kaskade.loading = loading.progress;
   loadContent(loading.files);
   loadProgram(loading.files);
