@@ -35,11 +35,8 @@ std::string workingDirectory() {
     return buffer.data();
 }
 
-void reportOnce(const char* name, const std::string& path, const std::string& place) {
-    if (g_report != nullptr && g_reported.insert(name).second) {
-        g_report(name, path, place);
-    }
-}
+// True the first time `name` is found while someone is told.
+bool firstReport(const char* name) { return g_report != nullptr && g_reported.insert(name).second; }
 
 }  // namespace
 
@@ -59,13 +56,17 @@ std::string dataFilePath(const char* name) {
         return name;
     }
     if (readableFile(name)) {
-        reportOnce(name, workingDirectory() + "/" + name, "the working directory");
+        if (firstReport(name)) {
+            g_report(name, workingDirectory() + "/" + name, "the working directory");
+        }
         return name;
     }
     for (const DataDirectory& directory : g_directories) {
         const std::string path = directory.path + "/" + name;
         if (readableFile(path)) {
-            reportOnce(name, path, directory.place);
+            if (firstReport(name)) {
+                g_report(name, path, directory.place);
+            }
             return path;
         }
     }
