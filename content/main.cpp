@@ -1,12 +1,15 @@
 // kaskade-content: generates the show's archive "3d" (images and scenes) and
-// its soundtrack "harbour.mp3" into a directory. Same bytes on every run.
+// its soundtrack "harbour.mp3" into a directory, and on request the program's
+// icons. Same bytes on every run.
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <string>
 #include <vector>
 
+#include "app/desktop/png_file.h"
 #include "content/content_entry.h"
+#include "content/images/app_icon.h"
 #include "content/images/images.h"
 #include "content/scenes/scenes.h"
 #include "content/music/soundtrack.h"
@@ -15,14 +18,17 @@
 namespace {
 
 const char* const USAGE =
-    "usage: kaskade-content OUTDIR [--loose DIR]\n"
+    "usage: kaskade-content OUTDIR [--loose DIR] [--icons DIR]\n"
     "  Writes OUTDIR/3d (the archive of images and scenes) and OUTDIR/harbour.mp3.\n"
     "  --loose DIR  also writes every archive entry as a file of its own in DIR\n"
+    "  --icons DIR  also writes the program's icons, DIR/NxN/apps/kaskade.png\n"
+    "               for N = 16, 22, 24, 32, 48, 64, 128 and 256 (a hicolor theme)\n"
     "  --help       prints this text\n";
 
 struct Options {
     std::string outDir;
     std::string looseDir;  // empty: no loose files
+    std::string iconDir;   // empty: no icons
 };
 
 // Returns false (after printing why) when the command line is not usable.
@@ -32,12 +38,13 @@ bool parseOptions(int argc, char** argv, Options* options, bool* help) {
             *help = true;
             return true;
         }
-        if (std::strcmp(argv[i], "--loose") == 0) {
+        if (std::strcmp(argv[i], "--loose") == 0 || std::strcmp(argv[i], "--icons") == 0) {
             if (i + 1 >= argc) {
-                std::fprintf(stderr, "kaskade-content: --loose needs a directory\n");
+                std::fprintf(stderr, "kaskade-content: %s needs a directory\n", argv[i]);
                 return false;
             }
-            options->looseDir = argv[++i];
+            std::string& dir = std::strcmp(argv[i], "--loose") == 0 ? options->looseDir : options->iconDir;
+            dir = argv[++i];
         } else if (argv[i][0] == '-') {
             std::fprintf(stderr, "kaskade-content: unknown option %s\n", argv[i]);
             return false;
@@ -71,6 +78,20 @@ bool writeFile(const std::string& path, const std::vector<uint8_t>& bytes) {
     if (!writeWholeFile(path, bytes, &error)) {
         std::fprintf(stderr, "kaskade-content: %s\n", error.c_str());
         return false;
+    }
+    return true;
+}
+
+bool writeIcons(const std::string& dir) {
+    for (const int size : APP_ICON_SIZES) {
+        const std::string sizeDir = dir + "/" + std::to_string(size) + "x" + std::to_string(size) + "/apps";
+        if (!makeDirectory(sizeDir)) return false;
+        const std::vector<uint8_t> pixels = makeAppIcon(size);
+        std::string error;
+        if (!writePng(sizeDir + "/kaskade.png", size, size, 4, pixels.data(), false, 9, &error)) {
+            std::fprintf(stderr, "kaskade-content: %s\n", error.c_str());
+            return false;
+        }
     }
     return true;
 }
@@ -109,5 +130,6 @@ int main(int argc, char** argv) {
     }
     if (!writeFile(options.outDir + "/3d", archive)) return 1;
     if (!writeFile(options.outDir + "/harbour.mp3", makeSoundtrackMp3())) return 1;
+    if (!options.iconDir.empty() && !writeIcons(options.iconDir)) return 1;
     return 0;
 }

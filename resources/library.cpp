@@ -3,6 +3,7 @@
 #include <cstring>
 #include <memory>
 
+#include "base/data_path.h"
 #include "base/fatal.h"
 #include "resources/pcx_decoder.h"
 
@@ -60,7 +61,7 @@ void Library::open(const char* archiveName) {
         libraryFatalf("library name too long : %s", archiveName);
     }
     std::memcpy(name, archiveName, length + 1);
-    file = std::fopen(name, "rb");
+    file = std::fopen(dataFilePath(name).c_str(), "rb");
     if (file == nullptr) {
         libraryFatal("cannot open library");
     }
@@ -75,7 +76,7 @@ void Library::close() {
 
 void Library::rewind() {
     close();
-    file = std::fopen(name, "rb");
+    file = std::fopen(dataFilePath(name).c_str(), "rb");
     if (file == nullptr) {
         libraryFatal("cannot rewind library");
     }

@@ -22,7 +22,8 @@ struct Library {
     int32_t entrySize;             // length field of the entry read last
 
     // Opens the archive `name` (at most 19 characters; a longer name is a
-    // library error naming it). Failure: "cannot open library". The record
+    // library error naming it), found as base/data_path.h finds data files:
+    // the working directory first. Failure: "cannot open library". The record
     // needs no initialisation before this.
     void open(const char* name);
     // Closes the archive; afterwards the record may only be opened again.

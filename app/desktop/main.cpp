@@ -1,6 +1,7 @@
 // kaskade: the show's entry. Start-up runs in a fixed order; from the main loop
 // on, everything happens in the GLUT callbacks until the sequencer's end path.
 #include "app/desktop/capture.h"
+#include "app/desktop/data_directories.h"
 #include "app/desktop/display_mode.h"
 #include "app/desktop/frame_target.h"
 #include "app/desktop/give_back.h"
@@ -16,6 +17,7 @@
 #include "app/soundtrack_check.h"
 #include "audio/fixed_step_clock.h"
 #include "audio/music.h"
+#include "base/data_path.h"
 #include "base/fatal.h"
 
 #include <GL/freeglut.h>
@@ -34,9 +36,9 @@ const char* const SOUNDTRACK_FILE = "harbour.mp3";
 }
 
 // The fixed-step clock instead of the wall clock and the audio device: the
-// soundtrack is decoded for its levels, its length and a capture's sound.
-void startFixedStep(const ShowOptions& options) {
-    const std::string soundtrack = options.noSound ? "" : SOUNDTRACK_FILE;
+// soundtrack (empty with --nosound) is decoded for its levels, its length and
+// a capture's sound.
+void startFixedStep(const ShowOptions& options, const std::string& soundtrack) {
     std::string error;
     if (!startFixedStepClock(options.fps, soundtrack, &error)) {
         musicFatal("Can't play the file");
@@ -144,14 +146,16 @@ int main(int argc, char** argv) {
     installGiveBack();
     g_verbose = options.verbose;
     g_soundEnabled = !options.noSound && options.fps == 0;
+    addShowDataDirectories(options.verbose);
+    const std::string soundtrack = options.noSound ? "" : dataFilePath(SOUNDTRACK_FILE);
     if (options.fps != 0) {
-        startFixedStep(options);
+        startFixedStep(options, soundtrack);
     }
 
     if (options.windowed) {
         g_fullscreen = 0;
     }
-    openMusic(SOUNDTRACK_FILE);
+    openMusic(soundtrack.c_str());
     const std::string warning =
         shortSoundtrackWarning(SOUNDTRACK_FILE, options.fps != 0 ? fixedStepSongMillis() : soundtrackMillis());
     if (!warning.empty()) {

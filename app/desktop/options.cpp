@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "app/desktop/video_encoder.h"
+#include "kaskade_version.h"
 #include "app/shell.h"
 #include "parts/part_schedule.h"
 
@@ -155,8 +156,10 @@ const char* showUsage() {
            "               [--loop] [--verbose] [--help] [--version]\n"
            "\n"
            "Plays the show from the archive \"3d\" and the soundtrack \"harbour.mp3\" in the\n"
-           "working directory. Without arguments it runs fullscreen; any other argument than\n"
-           "--fullscreen gives a 640 x 480 window.\n"
+           "working directory, else in share/kaskade beside the program's bin/, else in\n"
+           "the data directory it was built for (man kaskade: FILES). Without arguments\n"
+           "it runs fullscreen; any other argument than --fullscreen gives a 640 x 480\n"
+           "window.\n"
            "\n"
            "  --window        run in a window (any argument does)\n"
            "  --fullscreen    fullscreen as without arguments (the monitor switched to\n"
@@ -179,7 +182,8 @@ const char* showUsage() {
            "  --part N        start at part N (1 to 13), the music and the clock at its\n"
            "                  place in the show, as if parts 1 to N-1 had played\n"
            "  --loop          after the last part, start over at part 1 until ended\n"
-           "  --verbose       a line per part on standard error: set-up time, frame rate\n"
+           "  --verbose       on standard error: where each data file was read from, and\n"
+           "                  a line per part with its set-up time and frame rate\n"
            "  --help          print this text\n"
            "  --version       print the version\n"
            "\n"

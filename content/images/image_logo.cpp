@@ -81,7 +81,7 @@ Mask tag() {
 
 }  // namespace
 
-ContentEntry makeLogoPicture() {
+Canvas paintLogo() {
     Canvas canvas(PICTURE_WIDTH, PICTURE_HEIGHT);
     const Mask word = letters();
     paintGlow(canvas, word, Rgb{0.20f, 0.42f, 0.75f}, 16.0f, 0.55f);
@@ -92,5 +92,7 @@ ContentEntry makeLogoPicture() {
     paintGlow(canvas, line, Rgb{0.3f, 0.55f, 0.9f}, 6.0f, 0.8f);
     paintMask(canvas, line, Rgb{0.85f, 0.93f, 1.0f}, 1.0f);
     paintMask(canvas, tag(), Rgb{1.0f, 0.78f, 0.45f}, 0.95f);
-    return {"mark12.pcx", canvasToPcx(canvas)};
+    return canvas;
 }
+
+ContentEntry makeLogoPicture() { return {"mark12.pcx", canvasToPcx(paintLogo())}; }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "content/content_entry.h"
+#include "content/images/raster.h"
 
 constexpr int PICTURE_WIDTH = 512;
 constexpr int PICTURE_HEIGHT = 256;
@@ -14,6 +15,7 @@ constexpr float ASPECT_LAYER = 1.0f;  // 400 x 200 quads (and the square sprite)
 constexpr float ASPECT_PANEL = 0.8f;  // 320 x 200 quads: greetings and the words
 
 ContentEntry makeLogoPicture();      // "mark12.pcx", 24-bit
+Canvas paintLogo();                  // the logo before it is written as PCX (the program's icon is cut from it)
 ContentEntry makeObjectsPicture();   // "objects.pcx", 24-bit
 ContentEntry makeCreditsPicture();   // "cred.pcx", indexed
 ContentEntry makeCrossesPicture();   // "xxx.pcx", indexed

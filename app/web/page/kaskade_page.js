@@ -1,4 +1,5 @@
-// The page around the show: it fetches the archive "3d" and the soundtrack,
+// The page around the show: it fetches the program, the archive "3d" and the
+// soundtrack with their loading progress on the cover (kaskade_loading.js),
 // decodes the soundtrack with Web Audio, starts the show on a gesture (the
 // browser allows sound only after one), passes keys and mouse presses on,
 // plays the soundtrack whose AudioContext is the show's clock, and says on the
@@ -19,6 +20,8 @@
 (function () {
   const ARCHIVE = '3d';
   const SOUNDTRACK = 'harbour.mp3';
+  const PROGRAM = 'kaskade.js';
+  const PROGRAM_CODE = 'kaskade.wasm';
   const SAMPLE_RATE = 44100;  // the show's levels are measured at this rate
   const MAX_FIXED_FPS = 240;
   const MAX_SOUNDTRACK_FRAMES = SAMPLE_RATE * 60 * 10;  // as the show accepts
@@ -46,6 +49,7 @@
     pausedAt: -1,
     endLine: '',
     messages: [],      // what the show wrote to standard error
+    loading: null,     // the files' loading progress (kaskade_loading.js)
     resume() {
       if (kaskade.state === 'paused') {
         kaskade.state = 'playing';
@@ -160,28 +164,21 @@
   let decoded = false;     // the soundtrack was handed to the show
   let contentLoaded = false;
 
-  async function fetchBytes(name) {
-    const response = await fetch(name);
-    if (!response.ok) {
-      throw new Error(`HTTP ${response.status}`);
-    }
-    return new Uint8Array(await response.arrayBuffer());
-  }
-
   // Decoded at 44,100 Hz whatever the output's rate, so that the levels are those of the desktop.
   async function decodeSoundtrack(bytes) {
     const decoder = new OfflineAudioContext({ numberOfChannels: 2, length: 1, sampleRate: SAMPLE_RATE });
     return decoder.decodeAudioData(bytes.buffer);
   }
 
-  async function loadContent() {
-    const [archiveResult, songResult] = await Promise.allSettled([fetchBytes(ARCHIVE), fetchBytes(SOUNDTRACK)]);
+  async function loadContent(files) {
+    const [archiveResult, songResult] = await Promise.allSettled([files[ARCHIVE], files[SOUNDTRACK]]);
     if (archiveResult.status === 'rejected') {
       fail(`The archive "${ARCHIVE}" could not be loaded (${archiveResult.reason.message}): ` +
            'the show needs it beside this page.');
       return;
     }
     archive = archiveResult.value;
+    startButton.textContent = 'decoding the soundtrack…';
     if (songResult.status === 'rejected') {
       kaskade.soundtrack = `${SOUNDTRACK} could not be loaded (${songResult.reason.message})`;
     } else {
@@ -244,6 +241,7 @@
       start();
       return;
     }
+    cover.classList.add('loaded');
     startButton.disabled = false;
     startButton.textContent = 'start';
     startButton.focus();
@@ -350,9 +348,25 @@
     }
   });
 
-  loadContent();
-  const script = document.createElement('script');
-  script.src = 'kaskade.js';
-  script.onerror = () => fail('kaskade.js could not be loaded.');
-  document.body.appendChild(script);
+  // The program runs once it and its WebAssembly code are in: the code is
+  // handed over as bytes, so that the loading progress counts it.
+  async function loadProgram(files) {
+    let source;
+    try {
+      const [program, code] = await Promise.all([files[PROGRAM], files[PROGRAM_CODE]]);
+      Module.wasmBinary = code;
+      source = new TextDecoder().decode(program);
+    } catch (error) {
+      fail(`The show's program could not be loaded (${error.message}).`);
+      return;
+    }
+    const script = document.createElement('script');
+    script.text = `${source}\n//# sourceURL=${PROGRAM}`;
+    document.body.appendChild(script);
+  }
+
+  const loading = window.kaskadeLoading.load([PROGRAM, PROGRAM_CODE, ARCHIVE, SOUNDTRACK], byId('loading'));
+  kaskade.loading = loading.progress;
+  loadContent(loading.files);
+  loadProgram(loading.files);
 })();
