@@ -4,7 +4,8 @@
 // plays the soundtrack whose AudioContext is the show's clock, and says on the
 // page how the show ended.
 //
-// URL parameters, for tests and frame-exact looks (the deterministic mode):
+// URL parameters, for tests and frame-exact looks (the deterministic mode),
+// read by kaskade_address.js; a value it refuses is said and nothing starts:
 //   part=N     starts at part N (1..13), with what the parts before leave behind
 //   fps=N      the fixed-step clock at N frames/s (1..240): silent, the
 //              soundtrack decoded for its levels only, started at once
@@ -19,17 +20,14 @@
   const ARCHIVE = '3d';
   const SOUNDTRACK = 'harbour.mp3';
   const SAMPLE_RATE = 44100;  // the show's levels are measured at this rate
-  const MAX_FIXED_FPS = 240;
   const MAX_SOUNDTRACK_FRAMES = SAMPLE_RATE * 60 * 10;  // as the show accepts
   const FAULTS = ['', 'fov', 'ambient', 'colour-material', 'flat-vertex'];  // Gl11Fault's order
 
   const params = new URLSearchParams(location.search);
-  const frameList = (name) => (params.get(name) || '').split(',').filter((s) => /^\d+$/.test(s)).map(Number);
-  const fpsParameter = Number(params.get('fps') || 0);
-  const fixedFps = Number.isInteger(fpsParameter) && fpsParameter >= 1 && fpsParameter <= MAX_FIXED_FPS
-    ? fpsParameter : 0;
-  const partParameter = Number(params.get('part') || 1);
-  const firstPart = Number.isInteger(partParameter) && partParameter >= 1 && partParameter <= 13 ? partParameter : 1;
+  // kaskade_address.js reads what the address asks for; a refused value starts nothing.
+  const address = window.kaskadeAddress.readAddress(location.search, location.hash);
+  const fixedFps = address.fps;
+  const firstPart = address.part;
 
   const byId = (id) => document.getElementById(id);
   const canvas = byId('canvas');
@@ -37,6 +35,9 @@
   const cover = byId('cover');
   const startButton = byId('start');
   const statusLine = byId('status');
+  const notice = byId('notice');
+  const failure = byId('failure');
+  const NOTICE_MILLIS = 8000;
 
   // What the page knows, for tests and the curious: window.kaskade.
   const kaskade = {
@@ -66,14 +67,29 @@
   };
   window.kaskade = kaskade;
 
+  // A note: on the status line, and for a while over the stage, where a
+  // viewer in fullscreen looks.
+  let noticeTimer = 0;
   function say(text) {
     statusLine.textContent = text;
+    notice.textContent = text;
+    notice.hidden = text === '';
+    clearTimeout(noticeTimer);
+    noticeTimer = setTimeout(() => { notice.hidden = true; }, NOTICE_MILLIS);
   }
 
+  // The show cannot go on: the report over the stage, out of fullscreen, where
+  // it stays (and on the status line).
   function fail(text) {
     kaskade.state = 'failed';
     cover.classList.add('hidden');
     say(text);
+    notice.hidden = true;
+    failure.querySelector('pre').textContent = text;
+    failure.hidden = false;
+    if (document.fullscreenElement) {
+      document.exitFullscreen().catch(() => {});
+    }
   }
 
   // The soundtrack's player; its context's time is the show's clock.
@@ -227,10 +243,10 @@
     Module.FS.writeFile(ARCHIVE, archive);
     archive = null;
     decoded = audio.buffer !== null && handOverSoundtrack(audio.buffer);
-    for (const index of frameList('grab')) {
+    for (const index of address.grab) {
       Module._kaskade_grab_frame(index);
     }
-    for (const index of frameList('stop')) {
+    for (const index of address.stop) {
       Module._kaskade_pause_at_frame(index);
     }
     const fault = FAULTS.indexOf(params.get('fault') || '');
@@ -346,6 +362,10 @@
     }
   });
 
+  if (address.errors.length > 0) {
+    fail(['This address asks for what the show does not take:', ...address.errors].join('\n'));
+    return;
+  }
   loadContent();
   const script = document.createElement('script');
   script.src = 'kaskade.js';
