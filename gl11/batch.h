@@ -28,6 +28,9 @@ BatchVertex* reserveBatch(BatchKind kind, int count);
 // Draws what is batched (nothing when it is empty).
 void flushBatch();
 
+// While set, what is batched is dropped instead of drawn (frames never shown).
+void discardBatches(bool discard);
+
 // Creates the WebGL objects the batch draws with. Needs the context current.
 void initBatch();
 

@@ -22,6 +22,24 @@ void gl11Init() {
     glDepthFunc(GL_LESS);
 }
 
+void gl11ResetState() {
+    flushBatch();
+    const int fault = g_gl11.fault;
+    resetGl11State();
+    g_gl11.fault = fault;
+}
+
+void gl11SkipDrawing(bool skip) {
+    flushBatch();
+    // Batches are not even sent; clears are discarded by WebGL.
+    discardBatches(skip);
+    if (skip) {
+        glEnable(GL_RASTERIZER_DISCARD);
+    } else {
+        glDisable(GL_RASTERIZER_DISCARD);
+    }
+}
+
 void gl11EndFrame() {
     flushBatch();
     const BatchCounts counts = takeBatchCounts();

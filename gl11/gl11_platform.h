@@ -8,6 +8,15 @@
 // a current WebGL 2 context (no antialiasing, with a depth buffer).
 void gl11Init();
 
+// Back to OpenGL 1.1's initial state (what is batched is drawn first); the
+// textures and the layer's WebGL objects stay. For a show that starts again.
+void gl11ResetState();
+
+// With `skip`, what is drawn from now on (clears too) reaches no pixel
+// (WebGL's rasterizer discard) while every state change still counts; what is
+// batched before is drawn first. For frames that are never shown.
+void gl11SkipDrawing(bool skip);
+
 // Draws what is still batched: the frame is complete once this returns.
 // Closes the frame's counts (gl11LastFrameCounts).
 void gl11EndFrame();

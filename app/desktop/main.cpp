@@ -1,6 +1,7 @@
 // kaskade: the show's entry. Start-up runs in a fixed order; from the main loop
 // on, everything happens in the GLUT callbacks until the sequencer's end path.
 #include "app/desktop/capture.h"
+#include "app/desktop/desktop_player.h"
 #include "app/desktop/display_mode.h"
 #include "app/desktop/frame_target.h"
 #include "app/desktop/multisample.h"
@@ -144,6 +145,7 @@ int main(int argc, char** argv) {
     if (options.loop) {
         loopTheShow();
     }
+    installDesktopPlayer(options);
     startShowAt(options.part, options.fps);
     glutMainLoop();
     runEndPath();
