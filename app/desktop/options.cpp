@@ -181,7 +181,8 @@ const char* showUsage() {
            "  Home            the start of the show\n"
            "  m               mute and unmute\n"
            "  + and -         louder and softer\n"
-           "  f               fullscreen and back in a window (the display is not switched)\n"
+           "  f               fullscreen and back, for a window (the display is never\n"
+           "                  switched for it)\n"
            "None of them works while capturing; without them the show plays as ever.\n";
 }
 

@@ -85,6 +85,10 @@ describe('the control bar', () => {
       await page.locator('#play').click();
       await page.waitForFunction(() => Module._kaskade_player_state(0) === 1, null, { timeout: 5000 });
       await page.locator('#mute').click();
+      // The bar anywhere in a part's stretch: four fifths along the show is part 12.
+      const timeline = await page.locator('#timeline').boundingBox();
+      await page.mouse.click(timeline.x + timeline.width * 0.8, timeline.y + timeline.height / 2);
+      await page.waitForFunction(() => Module._kaskade_player_state(3) === 12, null, { timeout: 5000 });
       await page.locator('#play').click();
       await page.waitForTimeout(300);
       assert.deepEqual(await playerState(page).then(({ paused, muted }) => ({ paused, muted })),
@@ -98,6 +102,7 @@ describe('the control bar', () => {
     const first = firstFrameOf(7);
     const grabbed = [first, first + 3];
     const frames = {};
+    let historyLength = 0;
     for (const how of ['jumped', 'started']) {
       await withPage(async (page, errors) => {
         // Jumped: paused by the test hook early in part 1, the mark clicked, then on.
@@ -108,6 +113,7 @@ describe('the control bar', () => {
           await page.mouse.move(300, 200);
           await page.mouse.move(320, 230);
           await page.locator('.mark[data-part="7"]').click();
+          historyLength = await page.evaluate(() => history.length);
           await page.evaluate(() => window.kaskade.resume());
         }
         await page.waitForFunction((last) => window.kaskade.pausedAt === last, first + 3, { timeout: 120000 });
@@ -125,6 +131,7 @@ describe('the control bar', () => {
         }), grabbed);
         if (how === 'jumped') {
           assert.equal(await page.evaluate(() => location.hash), '#part=7', 'the address follows the part');
+          assert.equal(await page.evaluate(() => history.length), historyLength, 'replaced, not pushed');
           assert.equal((await playerState(page)).part, 7);
           await page.mouse.move(310, 240);
           await page.mouse.move(330, 250);
