@@ -39,6 +39,27 @@ async function timeJumpInPage(part) {
   });
 }
 
+// Runs in the page: the same wait with no jump asked for (the floor: the rest
+// of the display's frame and an ordinary frame of part `part`, which plays).
+async function timeFrameInPage(part) {
+  const shown = () => window.kaskade.partCounts()[part - 1].frames;
+  const before = shown();
+  const gl = document.getElementById('canvas').getContext('webgl2');
+  const pixel = new Uint8Array(4);
+  const asked = performance.now();
+  return new Promise((resolve) => {
+    const check = () => {
+      if (shown() > before) {
+        gl.readPixels(0, 0, 1, 1, gl.RGBA, gl.UNSIGNED_BYTE, pixel);
+        resolve(performance.now() - asked);
+      } else {
+        requestAnimationFrame(check);
+      }
+    };
+    requestAnimationFrame(check);
+  });
+}
+
 // Runs in the page: `count` animation frames go by.
 function framesInPage(count) {
   return new Promise((resolve) => {
@@ -96,9 +117,19 @@ function report(best) {
         }
       }
     }
+    const ordinary = [];
+    for (let part = 1; part <= PARTS; ++part) {
+      await page.evaluate(timeJumpInPage, part);
+      for (let i = 0; i < 10; ++i) {
+        ordinary.push(await page.evaluate(timeFrameInPage, part));
+      }
+    }
     await page.close();
     console.log(`headless Chromium, every pair of parts, best of ${RUNS} runs, from the request to the frame drawn:`);
     report(best);
+    ordinary.sort((a, b) => a - b);
+    console.log(`without a jump, the same wait for an ordinary frame: median ${ordinary[ordinary.length >> 1].toFixed(1)} ` +
+                `ms, longest ${ordinary[ordinary.length - 1].toFixed(1)} ms (10 in each part)`);
 
     console.log('first jump from part 1 in a fresh page (the parts before read from the archive):');
     const cold = [];
