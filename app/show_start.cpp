@@ -38,9 +38,6 @@ void rebuildPartsBefore(int32_t part, int rate) {
     g_millisecondClock = rebuildClock;
     g_musicStartTick = 0;
     g_framesUnseen = true;
-    if (g_unseenFrames != nullptr) {
-        g_unseenFrames(true);
-    }
     long tick = 0;
     for (int32_t k = 1; k < part; ++k) {
         g_partSteps[k - 1].setup();
@@ -49,9 +46,6 @@ void rebuildPartsBefore(int32_t part, int rate) {
         g_rebuildMillis = fixedStepMillisOf(tick, rate);
         g_partSteps[k - 1].draw();  // moves the counter on to 2k
         tick += 1;
-    }
-    if (g_unseenFrames != nullptr) {
-        g_unseenFrames(false);
     }
     g_framesUnseen = false;
     g_millisecondClock = clock;
@@ -100,7 +94,13 @@ void startShowAgainAt(int32_t part, int fixedStepFps) {
     g_partStart = 0.0f;
     g_partTime = 0.0f;
     if (part > 1) {
+        if (g_unseenFrames != nullptr) {
+            g_unseenFrames(true);
+        }
         rebuildPartsBefore(part, fixedStepFps != 0 ? fixedStepFps : 1000);
+        if (g_unseenFrames != nullptr) {
+            g_unseenFrames(false);
+        }
     }
     startMusicForPart(part, fixedStepFps);
 }

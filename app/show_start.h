@@ -10,9 +10,11 @@
 
 #include <cstdint>
 
-// Called with true before the unseen frames of a rebuild and with false after
-// them, when set: as nothing of those frames is ever shown, the platform may
-// skip rasterizing them (their GL state changes still take effect).
+// Called with true before the unseen frames of startShowAgainAt's rebuild and
+// with false after them, when set: as nothing of those frames is ever shown,
+// the platform may skip rasterizing them (their GL state changes still take
+// effect). A show's first start draws them in full, as it always has: the GL
+// meets every part's state before the first frame is shown.
 extern void (*g_unseenFrames)(bool begin);
 
 // Rebuilds parts 1..part-1 and starts the music and the clock for `part`
