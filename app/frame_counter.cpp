@@ -20,6 +20,26 @@ void startFrameCounter() {
     g_fpsStartClock = wallMillis();
 }
 
+namespace {
+bool g_fpsPaused = false;
+int64_t g_fpsPausedAt = 0;  // wall clock at the pause
+}  // namespace
+
+void pauseFrameCounter() {
+    if (!g_fpsPaused) {
+        g_fpsPaused = true;
+        g_fpsPausedAt = wallMillis();
+    }
+}
+
+void resumeFrameCounter() {
+    if (g_fpsPaused) {
+        g_fpsPaused = false;
+        // The time paused is taken out by starting the count that much later.
+        g_fpsStartClock += wallMillis() - g_fpsPausedAt;
+    }
+}
+
 double framesPerSecondAt(int64_t frames, int64_t startMillis, int64_t nowMillis) {
     const int64_t elapsed = nowMillis - startMillis;
     if (frames <= 0 || elapsed <= 0) {
@@ -28,4 +48,6 @@ double framesPerSecondAt(int64_t frames, int64_t startMillis, int64_t nowMillis)
     return static_cast<double>(frames * 1000) / static_cast<double>(elapsed);
 }
 
-double framesPerSecond() { return framesPerSecondAt(g_frameCount, g_fpsStartClock, wallMillis()); }
+double framesPerSecond() {
+    return framesPerSecondAt(g_frameCount, g_fpsStartClock, g_fpsPaused ? g_fpsPausedAt : wallMillis());
+}

@@ -1,5 +1,6 @@
 #include "app/shell.h"
 
+#include "app/player.h"
 #include "app/sequencer.h"
 #include "audio/music.h"
 
@@ -11,11 +12,30 @@ constexpr int MOUSE_PRESSED = 0;  // GLUT_DOWN: a button went down, not up
 }
 
 void onKey(unsigned char key, int, int) {
-    if (key == KEY_ESCAPE) {
-        g_partCounter = PART_COUNTER_END;
-    } else if (key == 'r') {
+    switch (key) {
+    case KEY_ESCAPE: g_partCounter = PART_COUNTER_END; break;
+    case 'r':
         std::printf("%f\n", static_cast<double>(g_demoTime));
         std::fflush(stdout);
+        break;
+    case ' ': playerTogglePause(); break;
+    case 'm': playerToggleMute(); break;
+    case '+':
+    case '=': playerStepVolume(1); break;
+    case '-': playerStepVolume(-1); break;
+    case 'f': playerToggleFullscreen(); break;
+    default: break;
+    }
+}
+
+void onSpecialKey(int key, int, int) {
+    switch (key) {
+    case SPECIAL_KEY_RIGHT:
+    case SPECIAL_KEY_PAGE_DOWN: playerNextPart(); break;
+    case SPECIAL_KEY_LEFT:
+    case SPECIAL_KEY_PAGE_UP: playerPartBack(); break;
+    case SPECIAL_KEY_HOME: playerFirstPart(); break;
+    default: break;
     }
 }
 

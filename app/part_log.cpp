@@ -1,5 +1,6 @@
 #include "app/part_log.h"
 
+#include "app/shell.h"
 #include "app/status_line.h"
 #include "audio/music.h"
 
@@ -69,5 +70,25 @@ void showStartsOver() {
     ++g_pass;
     if (g_verbose) {
         printLogLine("the show starts over: pass %d", g_pass);
+    }
+}
+
+void showPaused() {
+    if (g_verbose) {
+        printLogLine("paused at demo time %.3f after %lld frames", static_cast<double>(g_demoTime),
+                     static_cast<long long>(g_frameCount));
+    }
+}
+
+void showResumed() {
+    if (g_verbose) {
+        printLogLine("resumed at demo time %.3f after %lld frames", static_cast<double>(g_demoTime),
+                     static_cast<long long>(g_frameCount));
+    }
+}
+
+void showJumped(int32_t part, double milliseconds) {
+    if (g_verbose) {
+        printLogLine("jump to part %d: rebuilt in %.1f ms", part, milliseconds);
     }
 }

@@ -1,6 +1,7 @@
 // --verbose: one line on standard error when a part's set-up ends (part, demo
 // time, how long the set-up took) and one when the part ends (frames drawn
-// and frames per second over the part), so that a slow part shows at a glance.
+// and frames per second over the part), so that a slow part shows at a glance;
+// and one for each pause, resumption and jump the viewer asks for.
 #pragma once
 
 #include <cstdint>
@@ -17,3 +18,9 @@ void partFrameDrawn(int32_t part, bool ended);
 void partsRebuilt(int32_t part, double milliseconds);
 // The looping show starts over at part 1.
 void showStartsOver();
+
+// The viewer's controls (app/player.h): a pause begins or ends (demo time and
+// frames counted so far), a jump to `part` was carried out in `milliseconds`.
+void showPaused();
+void showResumed();
+void showJumped(int32_t part, double milliseconds);

@@ -1,6 +1,7 @@
 #include "app/sequencer.h"
 
 #include "app/part_log.h"
+#include "app/player.h"
 #include "parts/parts.h"
 
 int32_t g_partCounter = 0;
@@ -34,6 +35,10 @@ void drawPart(int32_t k) {
 void onFrame() {
     if (g_endRequested) {
         g_partCounter = PART_COUNTER_END;
+    }
+    // A jump asked for between frames is carried out first; paused, nothing is drawn.
+    if (g_partCounter != PART_COUNTER_END && !playerBeforeFrames()) {
+        return;
     }
     // Only the last part's own end, in this call, is an end the show may loop from.
     const bool playing = g_partCounter != PART_COUNTER_END;
@@ -69,4 +74,5 @@ void onFrame() {
             g_endPath();
         }
     }
+    playerAfterFrames();
 }

@@ -18,15 +18,29 @@ extern Library* g_library;       // the one archive record, allocated by initGlS
 void initGlState();
 
 // GLUT callbacks: Escape or any mouse press moves the sequencer to its end
-// state; r prints the demo time ("%f\n", tenths of a second).
+// state; r prints the demo time ("%f\n", tenths of a second). The player's
+// keys (app/player.h): Space pauses and resumes, m mutes, + (or =) and - set
+// the volume, f toggles fullscreen; Right or Page Down goes to the next part,
+// Left or Page Up back, Home to the start of the show.
 void onKey(unsigned char key, int x, int y);
+void onSpecialKey(int key, int x, int y);
 void onMouse(int button, int state, int x, int y);
+
+// The special keys' codes, as GLUT gives them (the page passes the same).
+constexpr int SPECIAL_KEY_LEFT = 100;
+constexpr int SPECIAL_KEY_RIGHT = 102;
+constexpr int SPECIAL_KEY_PAGE_UP = 104;
+constexpr int SPECIAL_KEY_PAGE_DOWN = 105;
+constexpr int SPECIAL_KEY_HOME = 106;
 // The window was closed (window manager's close button, Alt-F4): end like Escape.
 void onWindowClose();
 
 // Zeroes g_frameCount and takes the wall clock. Called once, at the end of part 1's set-up.
 void startFrameCounter();
-// Average frames per second since startFrameCounter.
+// The time between these two is not counted in the frame rate (a pause).
+void pauseFrameCounter();
+void resumeFrameCounter();
+// Average frames per second since startFrameCounter, over the time not paused.
 double framesPerSecond();
 // (frames * 1000) / (nowMillis - startMillis), in double, every term in 64
 // bits; 0 when no frame was counted or no time has passed.

@@ -13,6 +13,8 @@
 #include <chrono>
 #include <cmath>
 
+void (*g_unseenFrames)(bool begin) = nullptr;
+
 namespace {
 
 // The clock while earlier parts are rebuilt: it reads what the rebuild sets.
@@ -60,6 +62,20 @@ long firstTickOfPart(int32_t part, int rate) {
     return tick;
 }
 
+namespace {
+
+// The music and the clock at part's place, once parts 1..part-1 are rebuilt.
+void startMusicForPart(int32_t part, int fixedStepFps) {
+    if (fixedStepFps != 0) {
+        setFixedStepFrame(firstTickOfPart(part, fixedStepFps));
+        startMusicAt(g_millisecondClock());
+    } else {
+        startMusicAt(static_cast<uint32_t>(std::lround(partStartTime(part) * 100.0)));
+    }
+}
+
+}  // namespace
+
 void startShowAt(int32_t part, int fixedStepFps) {
     if (part <= 1) {
         startMusic();
@@ -68,14 +84,25 @@ void startShowAt(int32_t part, int fixedStepFps) {
     const auto started = std::chrono::steady_clock::now();
     rebuildPartsBefore(part, fixedStepFps != 0 ? fixedStepFps : 1000);
     partsRebuilt(part, std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count() * 1000.0);
-    if (fixedStepFps != 0) {
-        setFixedStepFrame(firstTickOfPart(part, fixedStepFps));
-        startMusicAt(g_millisecondClock());
-    } else {
-        startMusicAt(static_cast<uint32_t>(std::lround(partStartTime(part) * 100.0)));
-    }
+    startMusicForPart(part, fixedStepFps);
     // As for a show from the start, the frame rate counts from the first frame.
     startFrameCounter();
+}
+
+void startShowAgainAt(int32_t part, int fixedStepFps) {
+    g_partCounter = 0;
+    g_partStart = 0.0f;
+    g_partTime = 0.0f;
+    if (part > 1) {
+        if (g_unseenFrames != nullptr) {
+            g_unseenFrames(true);
+        }
+        rebuildPartsBefore(part, fixedStepFps != 0 ? fixedStepFps : 1000);
+        if (g_unseenFrames != nullptr) {
+            g_unseenFrames(false);
+        }
+    }
+    startMusicForPart(part, fixedStepFps);
 }
 
 void startShowAgain() {

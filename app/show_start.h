@@ -10,6 +10,13 @@
 
 #include <cstdint>
 
+// Called with true before the unseen frames of startShowAgainAt's rebuild and
+// with false after them, when set: as nothing of those frames is ever shown,
+// the platform may skip rasterizing them (their GL state changes still take
+// effect). A show's first start draws them in full, as it always has: the GL
+// meets every part's state before the first frame is shown.
+extern void (*g_unseenFrames)(bool begin);
+
 // Rebuilds parts 1..part-1 and starts the music and the clock for `part`
 // (1..13). `fixedStepFps`: the fixed-step clock's rate (its frame 0 becomes
 // part's first frame, at the clock reading and levels that frame has in the
@@ -23,6 +30,14 @@ void startShowAt(int32_t part, int fixedStepFps);
 // frame of each earlier part is the first tick whose demo time is above its
 // end time, and the next part starts one tick later.
 long firstTickOfPart(int32_t part, int rate);
+
+// The show, wherever it stands, is rebuilt at `part` (1..13) as
+// startShowAt(part, fixedStepFps) builds it: the sequencer at part's set-up,
+// every earlier part's state rebuilt (what is loaded stays loaded, a World is
+// put back as loaded), the music and the clock at the part's place (on the
+// fixed-step clock, at the tick `firstTickOfPart` gives). The frame counter
+// goes on; the GL state is the platform's to reset first.
+void startShowAgainAt(int32_t part, int fixedStepFps);
 
 // The show begins again at part 1, as at its first start: music and demo
 // clock from 0, the part-local clock at 0; the set-ups then find their scenes

@@ -49,6 +49,16 @@ uint32_t audioChannelGetLength(AudioHandle channel);
 // the song; 0 for a handle that names no channel.
 uint32_t audioChannelSetPosition(AudioHandle channel, uint32_t millis);
 
+// The channel stops where it is (`paused`), or goes on from there. Playing,
+// looping, setting its position and its end sync are kept as they are; a
+// paused channel plays nothing until it goes on.
+void audioChannelPause(AudioHandle channel, bool paused);
+
+// The gain (0..1) of everything played, 1 at start. It applies after the
+// channels' levels are taken: audioChannelGetLevel reads the music as it is
+// in the file at any volume.
+void audioSetGain(float gain);
+
 // Peak level of the channel over the most recent 20 ms it played: left in the
 // low 16 bits, right in the high 16 bits, each 0..128. 0xFFFFFFFF for a handle
 // that names no channel.

@@ -7,6 +7,7 @@
 #include <SDL2/SDL.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <mutex>
 
@@ -19,6 +20,7 @@ struct Channel {
     SoundSource* source = nullptr;
     AudioSyncProc sync = nullptr;
     bool playing = false;
+    bool paused = false;
     bool loop = false;
     // The most recent LEVEL_WINDOW_FRAMES frames this channel played, as a ring.
     int16_t history[LEVEL_WINDOW_FRAMES * 2] = {};
@@ -29,6 +31,7 @@ std::mutex g_mixerMutex;  // guards g_channels against the device thread
 Channel g_channels[MAX_CHANNELS];
 bool g_initialised = false;
 SDL_AudioDeviceID g_device = 0;
+float g_gain = 1.0f;  // guarded by g_mixerMutex
 
 Channel* channelFor(AudioHandle handle) {
     if (!g_initialised || handle == 0 || handle > MAX_CHANNELS || g_channels[handle - 1].source == nullptr) {
@@ -174,6 +177,18 @@ uint32_t audioChannelSetPosition(AudioHandle handle, uint32_t millis) {
     return static_cast<uint32_t>((static_cast<uint64_t>(reached) * 1000 + OUTPUT_RATE / 2) / OUTPUT_RATE);
 }
 
+void audioChannelPause(AudioHandle handle, bool paused) {
+    std::lock_guard<std::mutex> lock(g_mixerMutex);
+    if (Channel* channel = channelFor(handle)) {
+        channel->paused = paused;
+    }
+}
+
+void audioSetGain(float gain) {
+    std::lock_guard<std::mutex> lock(g_mixerMutex);
+    g_gain = std::clamp(gain, 0.0f, 1.0f);
+}
+
 uint32_t audioChannelGetLevel(AudioHandle handle) {
     std::lock_guard<std::mutex> lock(g_mixerMutex);
     const Channel* channel = channelFor(handle);
@@ -195,6 +210,7 @@ void audioFree() {
         closeSource(channel.source);
         channel = Channel{};
     }
+    g_gain = 1.0f;
     g_initialised = false;
 }
 
@@ -204,7 +220,7 @@ void audioMix(int16_t* out, size_t frames) {
     int16_t chunk[MIX_CHUNK_FRAMES * 2];
     for (size_t i = 0; i < MAX_CHANNELS; ++i) {
         Channel& channel = g_channels[i];
-        if (channel.source == nullptr || !channel.playing) {
+        if (channel.source == nullptr || !channel.playing || channel.paused) {
             continue;
         }
         for (size_t done = 0; done < frames; done += MIX_CHUNK_FRAMES) {
@@ -214,6 +230,12 @@ void audioMix(int16_t* out, size_t frames) {
                 const int sum = out[2 * done + s] + chunk[s];
                 out[2 * done + s] = static_cast<int16_t>(std::clamp(sum, -32768, 32767));
             }
+        }
+    }
+    // The volume, after each channel's level history took its samples.
+    if (g_gain < 1.0f) {
+        for (size_t s = 0; s < frames * 2; ++s) {
+            out[s] = static_cast<int16_t>(std::lround(out[s] * g_gain));
         }
     }
 }

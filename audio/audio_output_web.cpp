@@ -3,13 +3,18 @@
 // AudioBufferSourceNode of its AudioContext. Tracker modules are not played
 // here: a soundtrack the browser cannot decode opens no channel.
 //
-// The demo clock follows the AudioContext: from the first play on,
-// g_millisecondClock reads the context's time in milliseconds. The channel's
-// position is worked out from that time, so its level is the 20 ms peak of
-// the decoded samples there (songLevelAt), and its end needs no callback from
-// the audio thread: the clock moves g_musicStartTick on by exactly one song
-// length each time the song starts again, as the fixed-step clock does. The
-// end sync is kept for the contract and never called.
+// The demo clock follows what is heard: g_millisecondClock reads the position
+// in the song that the output plays now (the page reads it from the
+// AudioContext's output timestamp, corrected for the output latency), on a
+// base that keeps the clock going on where it stood whenever the song starts
+// from another place. A start is scheduled a little ahead; until it is heard
+// the clock stands, so the picture waits for the sound. The channel's level is
+// the 20 ms peak of the decoded samples at that position (songLevelAt), and
+// its end needs no callback from the audio thread: the clock moves
+// g_musicStartTick on by exactly one song length each time the song starts
+// again, as the fixed-step clock does. The end sync is kept for the contract
+// and never called. A pause suspends the AudioContext: its time, what is
+// heard and the clock all stand.
 #include "audio/audio_output.h"
 
 #include "audio/browser_soundtrack.h"
@@ -19,6 +24,7 @@
 
 #include <emscripten/emscripten.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -31,28 +37,39 @@ struct SongChannel {
     bool playing = false;
     bool loop = false;
     uint32_t lengthMillis = 0;
-    uint32_t startedAt = 0;     // context milliseconds at which it played from `startOffset`
-    uint32_t startOffset = 0;   // milliseconds into the song
+    double startsHeardAt = 0.0;  // heard time (context ms) at which `startOffset` is heard
+    uint32_t startOffset = 0;    // milliseconds into the song
+    double clockBase = 0.0;      // the clock is clockBase + the position heard (unwrapped)
 };
 
 bool g_initialised = false;
 SongChannel g_channel;
 
 // clang-format off
-EM_JS(double, pageAudioMillis, (), { return Module.kaskadeAudio.millis(); });
-EM_JS(void, pageAudioPlay, (int loop, double offsetSeconds), { Module.kaskadeAudio.play(loop !== 0, offsetSeconds); });
+EM_JS(double, pageAudioHeardMillis, (), { return Module.kaskadeAudio.heardMillis(); });
+EM_JS(double, pageAudioPlay, (int loop, double offsetSeconds), {
+    return Module.kaskadeAudio.play(loop !== 0, offsetSeconds);
+});
 EM_JS(void, pageAudioStop, (), { Module.kaskadeAudio.stop(); });
+EM_JS(void, pageAudioPause, (int paused), { Module.kaskadeAudio.pause(paused !== 0); });
+EM_JS(void, pageAudioGain, (double gain), { Module.kaskadeAudio.setGain(gain); });
 // clang-format on
 
 SongChannel* channelFor(AudioHandle handle) {
     return g_initialised && handle == SONG_CHANNEL && g_channel.song != nullptr ? &g_channel : nullptr;
 }
 
-uint32_t contextMillis() { return static_cast<uint32_t>(static_cast<uint64_t>(std::llround(pageAudioMillis()))); }
+// Milliseconds into the song heard now, counted on past its end when it loops;
+// the start position until the start is heard.
+double heardPosition() {
+    return g_channel.startOffset + std::max(0.0, pageAudioHeardMillis() - g_channel.startsHeardAt);
+}
 
-// The context's time; the song starting again moves the demo clock's zero on by its length.
+double clockNow() { return g_channel.clockBase + heardPosition(); }
+
+// The song starting again moves the demo clock's zero on by its length.
 uint32_t songClock() {
-    const uint32_t now = contextMillis();
+    const uint32_t now = static_cast<uint32_t>(static_cast<uint64_t>(std::llround(clockNow())));
     if (g_channel.playing && g_channel.loop && g_channel.lengthMillis > 0) {
         while (static_cast<int32_t>(now - g_musicStartTick.load()) >= static_cast<int32_t>(g_channel.lengthMillis)) {
             g_musicStartTick.store(g_musicStartTick.load() + g_channel.lengthMillis);
@@ -62,9 +79,10 @@ uint32_t songClock() {
 }
 
 void play(uint32_t offsetMillis) {
-    pageAudioPlay(g_channel.loop ? 1 : 0, offsetMillis / 1000.0);
-    g_channel.startedAt = contextMillis();
+    const double clockBefore = clockNow();
+    g_channel.startsHeardAt = pageAudioPlay(g_channel.loop ? 1 : 0, offsetMillis / 1000.0);
     g_channel.startOffset = offsetMillis;
+    g_channel.clockBase = clockBefore - offsetMillis;
     g_channel.playing = true;
 }
 
@@ -86,6 +104,8 @@ AudioHandle audioStreamCreateFile(const char* path) {
     g_channel.song = song;
     g_channel.lengthMillis =
         static_cast<uint32_t>((static_cast<uint64_t>(song->frames()) * 1000 + OUTPUT_RATE / 2) / OUTPUT_RATE);
+    // Until the song plays, the clock is the heard time itself.
+    g_millisecondClock = songClock;
     return SONG_CHANNEL;
 }
 
@@ -106,7 +126,6 @@ void audioChannelPlay(AudioHandle handle, bool loop) {
     }
     channel->loop = loop;
     play(channel->startOffset);
-    g_millisecondClock = songClock;
 }
 
 uint32_t audioChannelGetLength(AudioHandle handle) {
@@ -136,12 +155,24 @@ uint32_t audioChannelGetLevel(AudioHandle handle) {
     if (!channel->playing) {
         return 0;
     }
-    const uint32_t position = channel->startOffset + (contextMillis() - channel->startedAt);
+    const uint32_t position = static_cast<uint32_t>(std::llround(heardPosition()));
     if (!channel->loop && position >= channel->lengthMillis) {
         return 0;
     }
     // Unwrapped: the window just after the start of a loop reaches back into the song's end.
     return songLevelAt(*channel->song, static_cast<int32_t>(position));
+}
+
+void audioChannelPause(AudioHandle handle, bool paused) {
+    if (channelFor(handle) != nullptr) {
+        pageAudioPause(paused ? 1 : 0);
+    }
+}
+
+void audioSetGain(float gain) {
+    if (g_initialised) {
+        pageAudioGain(static_cast<double>(std::clamp(gain, 0.0f, 1.0f)));
+    }
 }
 
 void audioFree() {

@@ -2,6 +2,7 @@
 
 #include "base/fatal.h"
 #include "audio/clock.h"
+#include "audio/fixed_step_clock.h"
 
 float g_demoTime = 0.0f;
 uint32_t g_levelLeft = 0;
@@ -13,7 +14,18 @@ bool g_soundEnabled = true;
 
 namespace {
 constexpr int OUTPUT_FREQUENCY = 44100;
-}
+
+struct MusicPause {
+    bool paused = false;
+    MillisecondClock running = nullptr;  // the clock that stands while paused; null when none does
+    uint32_t at = 0;                     // its reading when the pause began
+};
+MusicPause g_pause;
+
+uint32_t standingClock() { return g_pause.at; }
+
+AudioHandle playingChannel() { return g_stream != 0 ? g_stream : g_music; }
+}  // namespace
 
 void openMusic(const char* fileName) {
     if (!g_soundEnabled) {
@@ -54,6 +66,34 @@ void startMusicAt(uint32_t positionMillis) {
     audioChannelPlay(channel, true);
     g_musicStartTick = g_millisecondClock() - startsAt;
 }
+
+void pauseMusic() {
+    if (g_pause.paused) {
+        return;
+    }
+    g_pause.paused = true;
+    audioChannelPause(playingChannel(), true);
+    if (!fixedStepClockActive()) {
+        g_pause.running = g_millisecondClock;
+        g_pause.at = g_millisecondClock();
+        g_millisecondClock = standingClock;
+    }
+}
+
+void resumeMusic() {
+    if (!g_pause.paused) {
+        return;
+    }
+    g_pause.paused = false;
+    if (g_pause.running != nullptr) {
+        g_millisecondClock = g_pause.running;
+        g_pause.running = nullptr;
+        g_musicStartTick.fetch_add(g_millisecondClock() - g_pause.at);
+    }
+    audioChannelPause(playingChannel(), false);
+}
+
+bool musicPaused() { return g_pause.paused; }
 
 uint32_t soundtrackMillis() { return audioChannelGetLength(g_stream != 0 ? g_stream : g_music); }
 

@@ -32,6 +32,14 @@ void startMusic();
 // Starts (or restarts) playback `positionMillis` into the song and sets the
 // clock's zero that far back, so the demo time starts at that position.
 void startMusicAt(uint32_t positionMillis);
+// Pause: the soundtrack stops where it is, and the demo clock stands from
+// now until resumeMusic, which goes on from there (the clock's zero moves on
+// by the time paused). On the fixed-step clock, which moves only with the
+// frames swapped, the clock is left as it is. startMusicAt while paused puts
+// the song and the clock at the position, still paused.
+void pauseMusic();
+void resumeMusic();
+bool musicPaused();
 // The opened soundtrack's length in milliseconds; 0 without one.
 uint32_t soundtrackMillis();
 // The demo time `elapsedMillis` after the clock's zero: computed in double,

@@ -58,6 +58,7 @@ struct Applied {
 };
 Applied g_applied;
 BatchCounts g_counts;
+bool g_discarding = false;
 
 void setCapability(GLenum capability, uint32_t bit, uint32_t wanted) {
     if ((g_applied.capabilities & bit) == (wanted & bit)) {
@@ -142,6 +143,10 @@ void flushBatch() {
     if (batch.count == 0) {
         return;
     }
+    if (g_discarding) {
+        batch.count = 0;
+        return;
+    }
     const DrawState& s = batch.state;
     const bool textured = (s.enables & ENABLE_TEXTURE_2D) && textureComplete(s.texture);
     const GLuint program = programFor(programKeyFor(s, textured));
@@ -161,6 +166,8 @@ void flushBatch() {
     }
     batch.count = 0;
 }
+
+void discardBatches(bool discard) { g_discarding = discard; }
 
 void countPrimitiveBegun() { ++g_counts.primitives; }
 

@@ -34,6 +34,9 @@ void flushBatch();
 // context (one that came back), else it is dropped.
 void initBatch(bool keepBatched);
 
+// While set, what is batched is dropped instead of drawn (frames never shown).
+void discardBatches(bool discard);
+
 // Counted since the last takeBatchCounts.
 struct BatchCounts {
     uint32_t primitives = 0;  // glBegin calls: what OpenGL 1.1 would have drawn one by one

@@ -22,6 +22,23 @@ void gl11ContextRestored() {
     applyWebGlState();
 }
 
+void gl11ResetState() {
+    flushBatch();
+    resetGl11State();
+    resetWebGlState();
+}
+
+void gl11SkipDrawing(bool skip) {
+    flushBatch();
+    // Batches are not even sent; clears are discarded by WebGL.
+    discardBatches(skip);
+    if (skip) {
+        glEnable(GL_RASTERIZER_DISCARD);
+    } else {
+        glDisable(GL_RASTERIZER_DISCARD);
+    }
+}
+
 void gl11EndFrame() {
     flushBatch();
     const BatchCounts counts = takeBatchCounts();

@@ -16,6 +16,16 @@ void gl11Init();
 // While the context is lost the layer goes on as if drawing; WebGL draws nothing.
 void gl11ContextRestored();
 
+// Back to OpenGL 1.1's initial state (what is batched is drawn first); the
+// textures, the layer's WebGL objects, the viewport and the scissor box stay
+// (the platform fits them to the page). For a show that starts again.
+void gl11ResetState();
+
+// With `skip`, what is drawn from now on (clears too) reaches no pixel
+// (WebGL's rasterizer discard) while every state change still counts; what is
+// batched before is drawn first. For frames that are never shown.
+void gl11SkipDrawing(bool skip);
+
 // Draws what is still batched: the frame is complete once this returns.
 // Closes the frame's counts (gl11LastFrameCounts).
 void gl11EndFrame();

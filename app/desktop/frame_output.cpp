@@ -2,6 +2,8 @@
 
 #include "app/desktop/capture.h"
 #include "app/desktop/frame_target.h"
+#include "app/desktop/held_picture.h"
+#include "app/player.h"
 #include "audio/fixed_step_clock.h"
 #include "audio/music.h"
 
@@ -13,6 +15,9 @@ void presentFrame() {
     if (captureActive()) {
         captureFrame(g_demoTime);
     } else {
+        if (playerHoldsNextPicture()) {
+            holdPicture();
+        }
         glutSwapBuffers();
     }
     if (fixedStepClockActive()) {

@@ -2,6 +2,7 @@
 // on, everything happens in the GLUT callbacks until the sequencer's end path.
 #include "app/desktop/capture.h"
 #include "app/desktop/data_directories.h"
+#include "app/desktop/desktop_player.h"
 #include "app/desktop/display_mode.h"
 #include "app/desktop/frame_target.h"
 #include "app/desktop/give_back.h"
@@ -93,9 +94,9 @@ void openWindow(int* argc, char** argv, const ShowOptions& options) {
 // offers that mode, or (--desktop) the one the window is on, as it is.
 void goFullscreen(const ShowOptions& options) {
     if (g_fullscreen) {
-        if (setDisplayMode(640, 480, 32) == 0) {
-            installCrashGiveBack();
-        }
+        // Before the switch: a crash the moment after it must find the handlers.
+        installCrashGiveBack();
+        setDisplayMode(640, 480, 32);
         coverMonitor(showMonitorNow());
     } else if (options.desktop) {
         coverMonitor(windowMonitor());
@@ -179,6 +180,7 @@ int main(int argc, char** argv) {
     if (options.loop) {
         loopTheShow();
     }
+    installDesktopPlayer(options);
     startShowAt(options.part, options.fps);
     // The rebuilt parts' unseen frames are never shown: the first frame
     // shown starts from black bars like every later one.

@@ -187,7 +187,17 @@ const char* showUsage() {
            "  --help          print this text\n"
            "  --version       print the version\n"
            "\n"
-           "Keys: Escape or any mouse button ends the show, r prints the demo time.\n";
+           "Keys: Escape or any mouse button ends the show, r prints the demo time.\n"
+           "  Space           pause and resume (the music and the clock stop with it)\n"
+           "  Right, PageDown the start of the next part\n"
+           "  Left, PageUp    the start of this part, or of the one before within its\n"
+           "                  first 2 seconds\n"
+           "  Home            the start of the show\n"
+           "  m               mute and unmute\n"
+           "  + and -         louder and softer\n"
+           "  f               fullscreen and back, for a window (the display is never\n"
+           "                  switched for it)\n"
+           "None of them works while capturing; without them the show plays as ever.\n";
 }
 
 const char* showVersion() { return "kaskade " KASKADE_VERSION "\n"; }

@@ -40,6 +40,16 @@ bool supportsFullscreen(Display* display, Window root) {
            atoms.end();
 }
 
+// The window's place before it went fullscreen without a window manager.
+struct WindowPlace {
+    bool kept = false;
+    int x = 0;
+    int y = 0;
+    unsigned width = 640;
+    unsigned height = 480;
+};
+WindowPlace g_windowPlace;
+
 // The current GLUT window's X connection and window.
 Display* windowDisplay() { return glXGetCurrentDisplay(); }
 Window windowId() { return static_cast<Window>(glXGetCurrentDrawable()); }
@@ -117,4 +127,33 @@ void coverMonitor(const Monitor& monitor) {
     XErrorTrap trap(display);
     XMoveResizeWindow(display, window, monitor.x, monitor.y, static_cast<unsigned>(monitor.width),
                       static_cast<unsigned>(monitor.height));
+}
+
+void setWindowFullscreen(bool on) {
+    Display* display = windowDisplay();
+    if (fullscreenWindowManager(display)) {
+        if (on != (glutGet(GLUT_FULL_SCREEN) != 0)) {
+            glutFullScreenToggle();
+        }
+        return;
+    }
+    XErrorTrap trap(display);
+    if (on) {
+        XWindowAttributes attributes{};
+        Window child = None;
+        XGetWindowAttributes(display, windowId(), &attributes);
+        XTranslateCoordinates(display, windowId(), DefaultRootWindow(display), 0, 0, &g_windowPlace.x,
+                              &g_windowPlace.y, &child);
+        g_windowPlace.width = static_cast<unsigned>(attributes.width);
+        g_windowPlace.height = static_cast<unsigned>(attributes.height);
+        g_windowPlace.kept = true;
+        coverMonitor(windowMonitor());
+        return;
+    }
+    if (!g_windowPlace.kept) {
+        const Monitor monitor = windowMonitor();
+        g_windowPlace = WindowPlace{true, monitor.x, monitor.y, 640, 480};
+    }
+    XMoveResizeWindow(display, windowId(), g_windowPlace.x, g_windowPlace.y, g_windowPlace.width,
+                      g_windowPlace.height);
 }

@@ -39,3 +39,8 @@ Monitor showMonitorNow();
 // made fullscreen by the window manager where one runs (which covers the
 // monitor the window is on); else it is placed over the monitor's rectangle.
 void coverMonitor(const Monitor& monitor);
+
+// The f key: fullscreen on the monitor the window is on, or (`on` false) back
+// to the window it was (640 x 480 at the monitor's corner when it never was
+// one). Through the window manager where one runs.
+void setWindowFullscreen(bool on);

@@ -9,6 +9,7 @@
 #include "app/soundtrack_check.h"
 #include "app/web/context_loss.h"
 #include "app/web/page_bridge.h"
+#include "app/web/web_player.h"
 #include "audio/fixed_step_clock.h"
 #include "audio/music.h"
 #include "base/fatal.h"
@@ -64,6 +65,13 @@ void followCanvasSize() {
     }
 }
 
+// After the GL state went back to its start (a jump): viewport and line width again.
+void refitCanvas() {
+    g_viewportWidth = 0;
+    g_viewportHeight = 0;
+    followCanvasSize();
+}
+
 void animationFrame() {
     followCanvasSize();
     onFrame();
@@ -106,6 +114,7 @@ extern "C" EMSCRIPTEN_KEEPALIVE int kaskade_start(int fps, int soundtrackDecoded
         return 1;
     }
     initGlState();
+    installWebPlayer(fps, refitCanvas);
     startShowAt(part >= 1 && part <= PART_COUNT ? part : 1, fps);
     emscripten_set_main_loop(animationFrame, 0, false);
     return 0;

@@ -1,5 +1,6 @@
 #include "app/web/page_bridge.h"
 
+#include "app/player.h"
 #include "app/sequencer.h"
 #include "audio/fixed_step_clock.h"
 #include "base/gl.h"
@@ -38,6 +39,7 @@ EM_JS(void, pagePaused, (long index), { Module.kaskadePage.paused(index); });
 EM_JS(void, pageEnded, (const char* line), { Module.kaskadePage.ended(UTF8ToString(line)); });
 EM_JS(void, pageFailed, (), { Module.kaskadePage.failed(); });
 EM_JS(void, pageStatus, (const char* line), { Module.kaskadePage.say(UTF8ToString(line)); });
+EM_JS(void, pageHoldPicture, (), { Module.kaskadePage.holdPicture(); });
 // clang-format on
 
 void grab(long index) {
@@ -81,6 +83,10 @@ void grabFrameAt(long index) { g_grabFrames.insert(index); }
 void pauseAtFrame(long index) { g_pauseFrames.insert(index); }
 
 void frameShown() {
+    // The last frame before a pause stays on view, whatever happens to the canvas.
+    if (playerHoldsNextPicture()) {
+        pageHoldPicture();
+    }
     // The part whose draw step showed it: 2k - 1 while part k plays, 2k once it ended.
     count((g_partCounter + 1) / 2);
     // On the fixed-step clock, the frame's number in the whole show (a show

@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -156,6 +158,57 @@ TEST_F(AudioLayer, LevelFollowsTheLastTwentyMillisecondsPerChannel) {
     const uint32_t quiet = audioChannelGetLevel(stream);
     EXPECT_LE(quiet & 0xFFFF, 1u);
     EXPECT_LE(quiet >> 16, 1u);
+}
+
+TEST_F(AudioLayer, APausedChannelGoesOnWhereItStoppedAndItsLevelStands) {
+    // Loud for 0.1 s, then silent: where the song stands shows in what is mixed.
+    writeMp3(path("steps.mp3"), tone(TONE_FRAMES, 4410, 16000, 16000));
+    DecodedAudio song;
+    std::string error;
+    ASSERT_TRUE(decodeSoundtrack(path("steps.mp3"), &song, &error)) << error;
+    const AudioHandle stream = audioStreamCreateFile(path("steps.mp3").c_str());
+    ASSERT_NE(stream, 0u);
+    audioChannelPlay(stream, true);
+    const std::vector<int16_t> before = mix(2048);
+    const uint32_t level = audioChannelGetLevel(stream);
+    EXPECT_GT(level & 0xFFFF, 40u);
+
+    audioChannelPause(stream, true);
+    const std::vector<int16_t> paused = mix(4096);
+    EXPECT_EQ(paused, std::vector<int16_t>(paused.size(), 0)) << "a paused channel plays nothing";
+    EXPECT_EQ(audioChannelGetLevel(stream), level) << "its level is the music's where it stopped";
+
+    audioChannelPause(stream, false);
+    const std::vector<int16_t> after = mix(2048);
+    EXPECT_TRUE(std::equal(before.begin(), before.end(), song.samples.begin()));
+    EXPECT_TRUE(std::equal(after.begin(), after.end(), song.samples.begin() + static_cast<long>(before.size())))
+        << "it goes on with the sample after the last one played";
+}
+
+TEST_F(AudioLayer, TheGainScalesWhatIsPlayedButNotTheLevel) {
+    writeMp3(path("tone.mp3"), tone(TONE_FRAMES, TONE_FRAMES, 16000, 8000));
+    DecodedAudio song;
+    std::string error;
+    ASSERT_TRUE(decodeSoundtrack(path("tone.mp3"), &song, &error)) << error;
+    const AudioHandle stream = audioStreamCreateFile(path("tone.mp3").c_str());
+    ASSERT_NE(stream, 0u);
+    audioChannelPlay(stream, true);
+    mix(2048);
+    const uint32_t fullLevel = audioChannelGetLevel(stream);
+
+    audioChannelSetPosition(stream, 0);
+    audioSetGain(0.25f);
+    const std::vector<int16_t> quarter = mix(2048);
+    for (size_t i = 0; i < quarter.size(); ++i) {
+        ASSERT_EQ(quarter[i], static_cast<int16_t>(std::lround(song.samples[i] * 0.25f))) << "sample " << i;
+    }
+    EXPECT_EQ(audioChannelGetLevel(stream), fullLevel) << "the level meter reads the music, not the volume";
+
+    audioSetGain(0.0f);
+    const std::vector<int16_t> muted = mix(1024);
+    EXPECT_EQ(muted, std::vector<int16_t>(muted.size(), 0));
+    EXPECT_NEAR(static_cast<int>(audioChannelGetLevel(stream) & 0xFFFF), static_cast<int>(fullLevel & 0xFFFF), 2)
+        << "muted, the parts still see the music";
 }
 
 TEST(LevelMeter, ScaleIsZeroToOneHundredTwentyEight) {

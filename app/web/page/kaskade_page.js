@@ -5,7 +5,8 @@
 // plays the soundtrack whose AudioContext is the show's clock, and says on the
 // page how the show ended.
 //
-// URL parameters, for tests and frame-exact looks (the deterministic mode):
+// URL parameters, for tests and frame-exact looks (the deterministic mode),
+// read by kaskade_address.js; a value it refuses is said and nothing starts:
 //   part=N     starts at part N (1..13), with what the parts before leave behind
 //   fps=N      the fixed-step clock at N frames/s (1..240): silent, the
 //              soundtrack decoded for its levels only, started at once
@@ -23,16 +24,14 @@
   const PROGRAM = 'kaskade.js';
   const PROGRAM_CODE = 'kaskade.wasm';
   const SAMPLE_RATE = 44100;  // the show's levels are measured at this rate
-  const MAX_FIXED_FPS = 240;
+  const START_AHEAD_SECONDS = 0.02;  // a start scheduled this far ahead is heard whole
   const MAX_SOUNDTRACK_FRAMES = SAMPLE_RATE * 60 * 10;  // as the show accepts
 
   const params = new URLSearchParams(location.search);
-  const frameList = (name) => (params.get(name) || '').split(',').filter((s) => /^\d+$/.test(s)).map(Number);
-  const fpsParameter = Number(params.get('fps') || 0);
-  const fixedFps = Number.isInteger(fpsParameter) && fpsParameter >= 1 && fpsParameter <= MAX_FIXED_FPS
-    ? fpsParameter : 0;
-  const partParameter = Number(params.get('part') || 1);
-  const firstPart = Number.isInteger(partParameter) && partParameter >= 1 && partParameter <= 13 ? partParameter : 1;
+  // kaskade_address.js reads what the address asks for; a refused value starts nothing.
+  const address = window.kaskadeAddress.readAddress(location.search, location.hash);
+  const fixedFps = address.fps;
+  const firstPart = address.part;
 
   const byId = (id) => document.getElementById(id);
   const canvas = byId('canvas');
@@ -40,6 +39,10 @@
   const cover = byId('cover');
   const startButton = byId('start');
   const statusLine = byId('status');
+  const notice = byId('notice');
+  let controls = null;  // the player's bar (kaskade_controls.js), once the page is set up
+  const failure = byId('failure');
+  const NOTICE_MILLIS = 8000;
 
   // What the page knows, for tests and the curious: window.kaskade.
   const kaskade = {
@@ -70,48 +73,93 @@
   };
   window.kaskade = kaskade;
 
+  // A note: on the status line, and for a while over the stage, where a
+  // viewer in fullscreen looks.
+  let noticeTimer = 0;
   function say(text) {
     statusLine.textContent = text;
+    notice.textContent = text;
+    notice.hidden = text === '';
+    clearTimeout(noticeTimer);
+    noticeTimer = setTimeout(() => { notice.hidden = true; }, NOTICE_MILLIS);
   }
 
+  // The show cannot go on: the report over the stage, out of fullscreen, where
+  // it stays (and on the status line).
   function fail(text) {
     kaskade.state = 'failed';
     cover.classList.add('hidden');
+    if (controls) {
+      controls.stop();
+    }
     say(text);
+    notice.hidden = true;
+    failure.querySelector('pre').textContent = text;
+    failure.hidden = false;
+    if (document.fullscreenElement) {
+      document.exitFullscreen().catch(() => {});
+    }
   }
 
-  // The soundtrack's player; its context's time is the show's clock.
+  // The soundtrack's player; what its context plays out now is the show's clock.
   const audio = {
     context: null,
     buffer: null,
     source: null,
+    gain: null,
+    started: null,  // the last start: the context's time (ms) it is heard from, the song's position (ms) there
     last: 0,
-    // The context's time in ms: what the output plays now, smoothed between
-    // the context's steps with the page's clock, and never going back.
-    millis() {
+    // The context's time (ms) of the sample the output device plays now: the
+    // output timestamp, carried on with the page's clock between the
+    // context's steps; else the context's time less the latencies it reports.
+    // Never ahead of what the context has rendered, never going back.
+    heardMillis() {
       const context = audio.context;
-      let now = context.currentTime * 1000;
+      const rendered = context.currentTime * 1000;
+      let heard = rendered - ((context.outputLatency || 0) + (context.baseLatency || 0)) * 1000;
       const stamp = context.getOutputTimestamp ? context.getOutputTimestamp() : null;
       if (stamp && stamp.performanceTime > 0 && stamp.contextTime > 0) {
-        now = stamp.contextTime * 1000 + (performance.now() - stamp.performanceTime);
+        heard = stamp.contextTime * 1000;
+        if (context.state === 'running') {
+          heard += performance.now() - stamp.performanceTime;
+        }
       }
-      audio.last = Math.max(audio.last, now);
+      audio.last = Math.max(audio.last, Math.min(heard, rendered));
       return audio.last;
     },
+    // Plays the song from `offsetSeconds`, a little ahead so that the start
+    // is not cut; returns the context's time (ms) at which it starts.
     play(loop, offsetSeconds) {
       audio.stop();
-      const source = audio.context.createBufferSource();
+      const context = audio.context;
+      if (!audio.gain) {
+        audio.gain = context.createGain();
+        audio.gain.connect(context.destination);
+      }
+      const source = context.createBufferSource();
       source.buffer = audio.buffer;
       source.loop = loop;
-      source.connect(audio.context.destination);
-      source.start(0, offsetSeconds);
+      source.connect(audio.gain);
+      const when = context.currentTime + START_AHEAD_SECONDS;
+      source.start(when, offsetSeconds);
       audio.source = source;
+      audio.started = { contextMillis: when * 1000, offsetMillis: offsetSeconds * 1000 };
+      return when * 1000;
     },
     stop() {
       if (audio.source) {
         audio.source.stop();
         audio.source.disconnect();
         audio.source = null;
+      }
+    },
+    // A pause stops the context itself: its time stands, and what it plays.
+    pause(paused) {
+      (paused ? audio.context.suspend() : audio.context.resume()).catch(() => {});
+    },
+    setGain(gain) {
+      if (audio.gain) {
+        audio.gain.gain.value = gain;
       }
     },
   };
@@ -127,6 +175,7 @@
     ended(line) {
       kaskade.state = 'ended';
       kaskade.endLine = line;
+      controls.stop();
       say(line);
       if (document.fullscreenElement) {
         document.exitFullscreen();
@@ -136,6 +185,10 @@
       fail(kaskade.messages.join('\n') || 'The show stopped.');
     },
     say,
+    holdPicture() {
+      controls.holdPicture();
+    },
+    toggleFullscreen,
   };
 
   const Module = {
@@ -224,10 +277,10 @@
     Module.FS.writeFile(ARCHIVE, archive);
     archive = null;
     decoded = audio.buffer !== null && handOverSoundtrack(audio.buffer);
-    for (const index of frameList('grab')) {
+    for (const index of address.grab) {
       Module._kaskade_grab_frame(index);
     }
-    for (const index of frameList('stop')) {
+    for (const index of address.stop) {
       Module._kaskade_pause_at_frame(index);
     }
     const fault = params.get('fault');
@@ -246,7 +299,7 @@
     startButton.textContent = 'start';
     startButton.focus();
     document.addEventListener('keydown', startOnGesture);
-    stage.addEventListener('mousedown', startOnGesture);
+    stage.addEventListener('click', startOnGesture);
   }
 
   function startOnGesture(event) {
@@ -280,7 +333,7 @@
     }
     kaskade.state = 'starting';
     document.removeEventListener('keydown', startOnGesture);
-    stage.removeEventListener('mousedown', startOnGesture);
+    stage.removeEventListener('click', startOnGesture);
     cover.classList.add('hidden');
     // On the fixed-step clock the decoded soundtrack gives the levels only.
     const withSound = decoded && !fixedFps && await openAudioOutput();
@@ -301,23 +354,55 @@
       fail('This browser gives no WebGL 2 context: the show cannot be drawn.');
       return;
     }
+    controls.start();
     // Not for the event that started the show.
     setTimeout(() => {
       document.addEventListener('keydown', onKey);
-      stage.addEventListener('mousedown', onMouseDown);
+      stage.addEventListener('pointerdown', onPointerDown);
     }, 0);
   }
 
+  // Keys the show takes by GLUT's codes for special keys (app/shell.h).
+  const SPECIAL_KEYS = { ArrowLeft: 100, ArrowRight: 102, PageUp: 104, PageDown: 105, Home: 106 };
+
   function onKey(event) {
+    // A focused slider takes its own arrows and Home.
+    if (kaskade.state !== 'playing' || event.target instanceof HTMLInputElement || event.ctrlKey ||
+        event.altKey || event.metaKey) {
+      return;
+    }
+    if (event.key in SPECIAL_KEYS) {
+      event.preventDefault();
+      Module._kaskade_special_key(SPECIAL_KEYS[event.key]);
+      return;
+    }
     const key = event.key === 'Escape' ? 27 : event.key.length === 1 ? event.key.charCodeAt(0) : -1;
-    if (key >= 0 && key < 256 && kaskade.state === 'playing') {
+    if (key >= 0 && key < 256) {
+      if (key === 32) {
+        event.preventDefault();  // no scrolling
+      }
       Module._kaskade_key(key);
     }
   }
 
-  function onMouseDown(event) {
-    if (kaskade.state === 'playing') {
+  // A mouse button ends the show, as on the desktop, except on the control
+  // bar; a tap (touch or pen) shows the bar.
+  function onPointerDown(event) {
+    if (kaskade.state !== 'playing' || controls.contains(event.target)) {
+      return;
+    }
+    if (event.pointerType === 'mouse') {
       Module._kaskade_mouse_down(event.button);
+    } else {
+      controls.tapped();
+    }
+  }
+
+  function toggleFullscreen() {
+    if (document.fullscreenElement) {
+      document.exitFullscreen().catch(() => {});
+    } else {
+      stage.requestFullscreen().catch((error) => say(`Fullscreen refused: ${error.message}`));
     }
   }
 
@@ -348,6 +433,16 @@
     }
   });
 
+  controls = window.kaskadeControls.makeControls({
+    stage, canvas, bar: byId('bar'), play: byId('play'), time: byId('time'), timeline: byId('timeline'),
+    played: byId('played'), mute: byId('mute'), volume: byId('volume'), fullscreen: byId('bar-fullscreen'),
+    held: byId('held'),
+  }, Module, toggleFullscreen);
+
+  if (address.errors.length > 0) {
+    fail(['This address asks for what the show does not take:', ...address.errors].join('\n'));
+    return;
+  }
   // The program runs once it and its WebAssembly code are in: the code is
   // handed over as bytes, so that the loading progress counts it.
   async function loadProgram(files) {

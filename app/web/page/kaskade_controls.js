@@ -1,0 +1,170 @@
+// The player's control bar over the bottom of the stage: play and pause, the
+// timeline with the thirteen parts marked and the time (a mark, or the bar
+// anywhere in a part, jumps to that part's start), mute and volume, and
+// fullscreen. It shows on mouse movement or a tap and hides 2 s after the
+// last one (not while the pointer rests on it). The show keeps the player's
+// state (app/player.h); the bar reads it every animation frame, as does the
+// address, which follows the part played (#part=N, replaced, not pushed).
+// The picture a pause leaves is kept here too, so that it stays whatever
+// happens to the canvas (fullscreen resizes it).
+'use strict';
+
+(function (root) {
+  // Demo time (tenths of a second) at which each part ends, as the show has it.
+  const PART_ENDS = [210, 335, 395, 534, 658, 770, 960, 1127, 1307, 1498, 1758, 1925, 2269];
+  const SHOW_TENTHS = PART_ENDS[PART_ENDS.length - 1];
+  const HIDE_AFTER_MILLIS = 2000;
+
+  const partStart = (part) => (part <= 1 ? 0 : PART_ENDS[part - 2]);
+
+  // The part whose span holds `tenths` of demo time.
+  function partAt(tenths) {
+    const part = PART_ENDS.findIndex((end) => tenths <= end);
+    return part < 0 ? PART_ENDS.length : part + 1;
+  }
+
+  // "m:ss" of `tenths` of a second.
+  function clockText(tenths) {
+    const seconds = Math.max(0, Math.floor(tenths / 10));
+    return `${Math.floor(seconds / 60)}:${String(seconds % 60).padStart(2, '0')}`;
+  }
+
+  // `elements`: stage, bar, play, time, timeline, played, mute, volume,
+  // fullscreen (the bar's button), held (a 2D canvas over the show's canvas),
+  // canvas. `show`: the show's exports (Module). `toggleFullscreen`: the page's.
+  function makeControls(elements, show, toggleFullscreen) {
+    const e = elements;
+    let active = false;
+    let hideTimer = 0;
+    let overBar = false;
+    let lastPart = 0;
+
+    for (let part = 1; part <= PART_ENDS.length; ++part) {
+      const mark = document.createElement('button');
+      mark.type = 'button';
+      mark.className = 'mark';
+      mark.dataset.part = String(part);
+      mark.title = `part ${part}`;
+      mark.setAttribute('aria-label', `part ${part}`);
+      mark.style.left = `${(100 * partStart(part)) / SHOW_TENTHS}%`;
+      e.timeline.appendChild(mark);
+    }
+
+    function hideSoon() {
+      clearTimeout(hideTimer);
+      hideTimer = setTimeout(() => {
+        if (!overBar) {
+          e.bar.classList.remove('shown');
+        }
+      }, HIDE_AFTER_MILLIS);
+    }
+
+    function reveal() {
+      if (active) {
+        e.bar.classList.add('shown');
+        hideSoon();
+      }
+    }
+
+    const state = (field) => show._kaskade_player_state(field);
+
+    // The address names the part played, so that a link opens there.
+    function followPart(part) {
+      if (part === lastPart) {
+        return;
+      }
+      lastPart = part;
+      const params = new URLSearchParams(location.search);
+      params.delete('part');
+      const search = params.toString();
+      history.replaceState(history.state, '', `${location.pathname}${search ? `?${search}` : ''}#part=${part}`);
+    }
+
+    function update() {
+      if (!active) {
+        return;
+      }
+      const paused = state(0) === 1;
+      const part = state(3);
+      const tenths = state(4);
+      followPart(part);
+      if (!paused) {
+        e.held.hidden = true;
+      }
+      e.play.classList.toggle('paused', paused);
+      e.play.setAttribute('aria-label', paused ? 'play' : 'pause');
+      e.mute.classList.toggle('muted', state(1) === 1);
+      e.mute.setAttribute('aria-label', state(1) === 1 ? 'unmute' : 'mute');
+      if (document.activeElement !== e.volume) {
+        e.volume.value = String(state(2));
+      }
+      e.played.style.width = `${Math.min(100, (100 * tenths) / SHOW_TENTHS)}%`;
+      e.time.textContent = `part ${part} · ${clockText(tenths)} / ${clockText(SHOW_TENTHS)}`;
+      requestAnimationFrame(update);
+    }
+
+    e.stage.addEventListener('pointermove', (event) => {
+      if (event.pointerType === 'mouse') {
+        reveal();
+      }
+    });
+    e.bar.addEventListener('pointerenter', () => { overBar = true; });
+    e.bar.addEventListener('pointerleave', () => {
+      overBar = false;
+      hideSoon();
+    });
+    // A clicked button gives the focus back, so that Space and the arrows stay the show's.
+    const onClick = (button, act) => button.addEventListener('click', () => {
+      act();
+      button.blur();
+    });
+    onClick(e.play, () => show._kaskade_toggle_pause());
+    onClick(e.mute, () => show._kaskade_toggle_mute());
+    onClick(e.fullscreen, () => toggleFullscreen());
+    e.volume.addEventListener('input', () => show._kaskade_set_volume(Number(e.volume.value)));
+    e.timeline.addEventListener('click', (event) => {
+      const mark = event.target.closest('.mark');
+      let part = mark ? Number(mark.dataset.part) : 0;
+      if (!part) {
+        const box = e.timeline.getBoundingClientRect();
+        part = partAt(((event.clientX - box.left) / box.width) * SHOW_TENTHS);
+      }
+      show._kaskade_jump_to(part);
+    });
+
+    return {
+      // The show plays: the bar works from now on.
+      start() {
+        active = true;
+        requestAnimationFrame(update);
+      },
+      // The show ended or failed: the bar goes.
+      stop() {
+        active = false;
+        e.bar.classList.remove('shown');
+        e.held.hidden = true;
+      },
+      // A tap on the stage: the bar, not the show's end.
+      tapped() {
+        reveal();
+      },
+      // The frame just drawn is the last before a pause: it stays on view.
+      holdPicture() {
+        e.held.width = e.canvas.width;
+        e.held.height = e.canvas.height;
+        e.held.getContext('2d').drawImage(e.canvas, 0, 0);
+        e.held.hidden = false;
+      },
+      contains(node) {
+        return e.bar.contains(node);
+      },
+    };
+  }
+
+  const api = { makeControls, partAt, clockText, PART_ENDS };
+  if (typeof module === 'object' && module.exports) {
+    module.exports = api;
+  } else {
+    root.kaskadeControls = api;
+  }
+})(typeof window === 'object' ? window : globalThis);

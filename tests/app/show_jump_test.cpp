@@ -1,0 +1,140 @@
+// The viewer's keys in a real show, seen from inside the process on the
+// fixed-step clock with the show's own content: the show played to the end of
+// part 12, then Home, and a second pass with keys pressed in it (back into
+// part 1 from part 2's first seconds, a pause, a jump from part 3 to part 4).
+// Every frame the second pass draws is, byte for byte, the frame the first
+// pass drew at the same tick: a jump lands on the frames a show started at
+// that part draws, and every part's state (part 1's reveals, part 12's room)
+// is rebuilt as it was.
+#include "app/desktop/desktop_player.h"
+#include "app/desktop/options.h"
+#include "app/player.h"
+#include "app/sequencer.h"
+#include "app/shell.h"
+#include "app/show_start.h"
+#include "audio/fixed_step_clock.h"
+#include "tests/resources/gl_test_window.h"
+
+#include <GL/freeglut.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <functional>
+#include <map>
+#include <vector>
+
+namespace {
+
+constexpr int FPS = 4;
+
+struct Swapped {
+    long tick;     // the fixed-step clock's frame: the whole show's frame number
+    int32_t part;  // whose draw step drew it
+    uint64_t hash;
+};
+std::vector<Swapped> g_swapped;
+
+uint64_t hashOf(const std::vector<uint8_t>& bytes) {
+    uint64_t hash = 14695981039346656037ull;  // FNV-1a
+    for (uint8_t byte : bytes) {
+        hash = (hash ^ byte) * 1099511628211ull;
+    }
+    return hash;
+}
+
+// Frames part `part` has swapped since the last frame of another part.
+int framesIntoPart(int32_t part) {
+    int frames = 0;
+    for (auto at = g_swapped.rbegin(); at != g_swapped.rend() && at->part == part; ++at) {
+        ++frames;
+    }
+    return frames;
+}
+
+// Runs the main loop until part 13's first frame, calling `between` after every pass.
+void playToPart13(const std::function<void()>& between) {
+    while (g_swapped.empty() || g_swapped.back().part != 13) {
+        onFrame();
+        between();
+    }
+}
+
+}  // namespace
+
+// Linked with -Wl,--wrap=glutSwapBuffers: each frame is read back before it is shown.
+extern "C" void __real_glutSwapBuffers();
+extern "C" void __wrap_glutSwapBuffers() {
+    std::vector<uint8_t> pixels(640 * 480 * 4);
+    glPixelStorei(GL_PACK_ALIGNMENT, 1);
+    glReadBuffer(GL_BACK);
+    glReadPixels(0, 0, 640, 480, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+    g_swapped.push_back({fixedStepFrames(), (g_partCounter + 1) / 2, hashOf(pixels)});
+    __real_glutSwapBuffers();
+}
+
+TEST(ShowJumps, EveryFrameAfterAKeyIsTheFrameTheShowDrawsAtThatTick) {
+    if (!openGlTestWindow()) {
+        GTEST_SKIP() << "no display: run under xvfb-run";
+    }
+    if (chdir(KASKADE_SHOW_DIR) != 0 || access("3d", R_OK) != 0) {
+        GTEST_SKIP() << "the show's content is not built in " << KASKADE_SHOW_DIR;
+    }
+    initGlState();
+    std::string error;
+    ASSERT_TRUE(startFixedStepClock(FPS, "harbour.mp3", &error)) << error;
+    ShowOptions options;
+    options.windowed = true;
+    options.fps = FPS;
+    installDesktopPlayer(options);
+    startShowAt(1, FPS);
+
+    playToPart13([] {});
+    std::map<long, uint64_t> firstPass;
+    for (const Swapped& frame : g_swapped) {
+        firstPass[frame.tick] = frame.hash;
+    }
+    ASSERT_EQ(firstPass.size(), g_swapped.size()) << "one frame per tick";
+
+    g_swapped.clear();
+    onSpecialKey(SPECIAL_KEY_HOME, 0, 0);
+    bool wentBack = false;
+    bool paused = false;
+    bool jumped = false;
+    size_t afterBack = 0;
+    size_t afterJump = 0;
+    playToPart13([&] {
+        if (!wentBack && framesIntoPart(2) == 3) {
+            onSpecialKey(SPECIAL_KEY_LEFT, 0, 0);  // 0.75 s into part 2
+            wentBack = true;
+            afterBack = g_swapped.size();
+        } else if (!paused && framesIntoPart(3) == 2) {
+            onKey(' ', 0, 0);
+            onFrame();  // draws the frame the pause keeps on view
+            const size_t swapped = g_swapped.size();
+            const long tick = fixedStepFrames();
+            for (int i = 0; i < 30; ++i) {
+                onFrame();
+            }
+            EXPECT_EQ(g_swapped.size(), swapped) << "no frame while paused";
+            EXPECT_EQ(fixedStepFrames(), tick) << "the clock stands";
+            onKey(' ', 0, 0);
+            paused = true;
+        } else if (!jumped && framesIntoPart(3) == 5) {
+            onSpecialKey(SPECIAL_KEY_RIGHT, 0, 0);
+            jumped = true;
+            afterJump = g_swapped.size();
+        }
+    });
+    ASSERT_TRUE(wentBack && paused && jumped);
+    EXPECT_EQ(g_swapped[afterBack].tick, 0) << "back from part 2's first seconds is the show's start";
+    EXPECT_EQ(g_swapped[afterJump].tick, firstTickOfPart(4, FPS)) << "part 4's first frame";
+    EXPECT_EQ(g_swapped[afterJump].part, 4);
+    long compared = 0;
+    for (const Swapped& frame : g_swapped) {
+        const auto first = firstPass.find(frame.tick);
+        ASSERT_NE(first, firstPass.end()) << "tick " << frame.tick;
+        ASSERT_EQ(frame.hash, first->second) << "tick " << frame.tick << " of part " << frame.part;
+        ++compared;
+    }
+    EXPECT_GT(compared, 700);
+}
