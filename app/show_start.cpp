@@ -105,6 +105,19 @@ void startShowAgainAt(int32_t part, int fixedStepFps) {
     startMusicForPart(part, fixedStepFps);
 }
 
+void rehearseShow() {
+    if (g_unseenFrames != nullptr) {
+        g_unseenFrames(true);
+    }
+    rebuildPartsBefore(PART_COUNT + 1, 1000);
+    if (g_unseenFrames != nullptr) {
+        g_unseenFrames(false);
+    }
+    g_partCounter = 0;
+    g_partStart = 0.0f;
+    g_partTime = 0.0f;
+}
+
 void startShowAgain() {
     g_partCounter = 0;
     g_partStart = 0.0f;

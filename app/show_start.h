@@ -39,6 +39,14 @@ long firstTickOfPart(int32_t part, int rate);
 // goes on; the GL state is the platform's to reset first.
 void startShowAgainAt(int32_t part, int fixedStepFps);
 
+// Every part set up and its last frame drawn, unseen, as a rebuild for a start
+// after the last part would, then the sequencer back before part 1's set-up:
+// for a platform whose drawing state is costly to meet the first time (the
+// browser compiles a program for each), before the show starts. The GL state
+// is the platform's to reset after it; the show then starts as a looping show
+// starts again, what is loaded staying loaded.
+void rehearseShow();
+
 // The show begins again at part 1, as at its first start: music and demo
 // clock from 0, the part-local clock at 0; the set-ups then find their scenes
 // and images loaded and put them back as loaded. The GL state is the

@@ -143,14 +143,12 @@ void flushBatch() {
     if (batch.count == 0) {
         return;
     }
-    if (g_discarding) {
-        batch.count = 0;
-        return;
-    }
     const DrawState& s = batch.state;
     const bool textured = (s.enables & ENABLE_TEXTURE_2D) && textureComplete(s.texture);
+    // Built even for a batch that is dropped: the frames that are shown
+    // later then need not wait for the shader compiler.
     const GLuint program = programFor(programKeyFor(s, textured));
-    if (program != 0) {
+    if (program != 0 && !g_discarding) {
         applyFixedState(s);
         if (textured) {
             bindWebGlTexture(s.texture);

@@ -34,7 +34,8 @@ void flushBatch();
 // context (one that came back), else it is dropped.
 void initBatch(bool keepBatched);
 
-// While set, what is batched is dropped instead of drawn (frames never shown).
+// While set, what is batched is dropped instead of drawn (frames never shown);
+// the programs it would be drawn with are built all the same.
 void discardBatches(bool discard);
 
 // Counted since the last takeBatchCounts.

@@ -20,7 +20,8 @@
 // encoder that dies makes its writes fail instead of killing the show).
 void installEndSignals();
 
-// Installs the crash handlers that give the screen back (after a mode switch).
+// Installs the crash handlers that give the screen back (before a mode switch:
+// with nothing switched they only end the process as the signal would).
 void installCrashGiveBack();
 
 // The end path has started: a further ending signal ends the process at once.

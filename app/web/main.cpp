@@ -115,6 +115,7 @@ extern "C" EMSCRIPTEN_KEEPALIVE int kaskade_start(int fps, int soundtrackDecoded
     }
     initGlState();
     installWebPlayer(fps, refitCanvas);
+    rehearseBeforeTheShow();
     startShowAt(part >= 1 && part <= PART_COUNT ? part : 1, fps);
     emscripten_set_main_loop(animationFrame, 0, false);
     return 0;

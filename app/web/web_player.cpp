@@ -29,6 +29,11 @@ void returnToStartState() {
 
 }  // namespace
 
+void rehearseBeforeTheShow() {
+    rehearseShow();
+    returnToStartState();
+}
+
 void installWebPlayer(int fps, void (*refit)()) {
     g_refit = refit;
     g_unseenFrames = skipUnseenFrames;
