@@ -115,7 +115,12 @@ extern "C" EMSCRIPTEN_KEEPALIVE int kaskade_start(int fps, int soundtrackDecoded
     }
     initGlState();
     installWebPlayer(fps, refitCanvas);
-    rehearseBeforeTheShow();
+    // The live show must not stall at a part's first frame or a jump while the
+    // browser compiles; the fixed-step clock draws each frame at its tick
+    // whatever it costs, and meets a damaged archive where the desktop does.
+    if (fps == 0) {
+        rehearseBeforeTheShow();
+    }
     startShowAt(part >= 1 && part <= PART_COUNT ? part : 1, fps);
     emscripten_set_main_loop(animationFrame, 0, false);
     return 0;
