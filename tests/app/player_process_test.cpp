@@ -5,6 +5,7 @@
 #include "app/desktop/png_file.h"
 #include "audio/pcm_decoder.h"
 #include "tests/audio/test_sounds.h"
+#include "tests/support/show_process.h"
 #include "tests/support/test_x_server.h"
 
 #include <gtest/gtest.h>
@@ -27,25 +28,6 @@
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-std::string readFile(const std::string& path) {
-    std::ifstream in(path);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-std::string run(const std::string& command) {
-    std::string output;
-    if (FILE* pipe = popen(command.c_str(), "r")) {
-        char buffer[256];
-        while (std::fgets(buffer, sizeof buffer, pipe) != nullptr) {
-            output += buffer;
-        }
-        pclose(pipe);
-    }
-    return output;
-}
 
 // The demo times r printed, in order.
 std::vector<double> demoTimes(const std::string& out) {
@@ -73,142 +55,43 @@ std::pair<double, long> logged(const std::string& err, const std::string& name, 
     return {time, frames};
 }
 
-class PlayerProcess : public ::testing::Test {
+// The show's own soundtrack, where ShowProcess gives a short tone: the jumps
+// go far into the song.
+class PlayerProcess : public ShowProcess {
 protected:
     void SetUp() override {
-        if (std::getenv("DISPLAY") == nullptr) {
-            GTEST_SKIP() << "needs an X display (the suite runs under xvfb-run)";
+        ShowProcess::SetUp();
+        if (IsSkipped()) {
+            return;
         }
-        show_ = std::string(KASKADE_SHOW_DIR);
-        if (access((show_ + "/3d").c_str(), R_OK) != 0) {
-            GTEST_SKIP() << "the show's content is not built in " << KASKADE_SHOW_DIR;
-        }
-        dir_ = makeTempDir();
-        ASSERT_EQ(symlink((show_ + "/3d").c_str(), (dir_ + "/3d").c_str()), 0);
-        ASSERT_EQ(symlink((show_ + "/harbour.mp3").c_str(), (dir_ + "/harbour.mp3").c_str()), 0);
-    }
-    void TearDown() override {
-        if (pid_ > 0) {
-            kill(pid_, SIGKILL);
-            waitpid(pid_, nullptr, 0);
-        }
+        std::remove((dir_ + "/harbour.mp3").c_str());
+        ASSERT_EQ(symlink(KASKADE_SHOW_DIR "/harbour.mp3", (dir_ + "/harbour.mp3").c_str()), 0);
     }
 
     // Starts kaskade in the test's folder with `environment` (NAME=VALUE) added.
     void start(const std::vector<std::string>& arguments, const std::vector<std::string>& environment = {}) {
-        pid_ = fork();
-        if (pid_ == 0) {
-            if (chdir(dir_.c_str()) != 0) {
-                _exit(125);
-            }
-            freopen("out.txt", "w", stdout);
-            freopen("err.txt", "w", stderr);
-            setenv("SDL_AUDIODRIVER", "dummy", 1);
-            for (const std::string& variable : environment) {
-                putenv(strdup(variable.c_str()));
-            }
-            std::vector<char*> argv{const_cast<char*>(KASKADE_PROGRAM)};
-            for (const std::string& argument : arguments) {
-                argv.push_back(const_cast<char*>(argument.c_str()));
-            }
-            argv.push_back(nullptr);
-            execv(KASKADE_PROGRAM, argv.data());
-            _exit(126);
-        }
-    }
-
-    std::string on(const std::string& display) const { return display.empty() ? "" : "DISPLAY=" + display + " "; }
-
-    // The show's window id, waiting for it to be mapped.
-    std::string window(const std::string& display = "") {
-        const std::string id = run(on(display) +
-                                   "timeout 20 xdotool search --sync --onlyvisible --name 'kaskade \\[12\\]' | head -n 1");
-        return id.substr(0, id.find('\n'));
+        environment_ = environment;
+        ShowProcess::start(arguments);
     }
 
     // Without a window manager the window may stand a pixel off the screen; it
     // is read back from the screen, whole.
     void moveToCorner(const std::string& id, const std::string& display = "") {
-        run(on(display) + "xdotool windowmove " + id + " 0 0 2>/dev/null");
+        runCommand(onDisplay(display) + "xdotool windowmove " + id + " 0 0 2>/dev/null");
         std::this_thread::sleep_for(std::chrono::milliseconds(200));
-    }
-
-    void key(const std::string& id, const std::string& name, const std::string& display = "") {
-        run(on(display) + "xdotool key --window " + id + " " + name + " 2>/dev/null");
     }
 
     // Waits (up to 10 s) until the verbose log holds `text`.
     bool logSays(const std::string& text) {
-        for (int waited = 0; waited < 10000; waited += 20) {
-            if (readFile(dir_ + "/err.txt").find(text) != std::string::npos) {
-                return true;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        }
-        return false;
+        return within(10000, [&] { return err().find(text) != std::string::npos; });
     }
 
-    // Waits for the show to end; its exit status (-1 when killed for not ending).
-    int finish(int seconds = 20) {
-        const auto deadline = Clock::now() + std::chrono::seconds(seconds);
-        int status = 0;
-        while (waitpid(pid_, &status, WNOHANG) == 0) {
-            if (Clock::now() > deadline) {
-                kill(pid_, SIGKILL);
-                waitpid(pid_, &status, 0);
-                ADD_FAILURE() << "kaskade did not end";
-                break;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        }
-        pid_ = -1;
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
+    // Waits for the show to end; its exit status (-1 when a signal ended it).
+    int finish(int seconds = 20) { return ShowProcess::finish(seconds).status; }
 
-    std::string out() const { return readFile(dir_ + "/out.txt"); }
-    std::string err() const { return readFile(dir_ + "/err.txt"); }
-
-    std::string show_;
-    std::string dir_;
-    pid_t pid_ = -1;
+    std::string out() const { return readTextFile(dir_ + "/out.txt"); }
+    std::string err() const { return readTextFile(dir_ + "/err.txt"); }
 };
-
-// The window's pixels as the screen shows them, red, green, blue, top row
-// first; empty unless the whole window is on the screen.
-std::vector<uint8_t> windowRgb(const std::string& display, const std::string& id, int* width, int* height) {
-    std::vector<uint8_t> rgb;
-    Display* x = XOpenDisplay(display.c_str());
-    if (x == nullptr) {
-        return rgb;
-    }
-    const Window window = std::stoul(id);
-    XWindowAttributes attributes{};
-    XGetWindowAttributes(x, window, &attributes);
-    int left = 0;
-    int top = 0;
-    Window child = 0;
-    XTranslateCoordinates(x, window, DefaultRootWindow(x), 0, 0, &left, &top, &child);
-    *width = attributes.width;
-    *height = attributes.height;
-    const bool onScreen = left >= 0 && top >= 0 && left + *width <= DisplayWidth(x, DefaultScreen(x)) &&
-                          top + *height <= DisplayHeight(x, DefaultScreen(x));
-    if (onScreen) {
-        if (XImage* image = XGetImage(x, DefaultRootWindow(x), left, top, *width, *height, AllPlanes, ZPixmap)) {
-            rgb.reserve(static_cast<size_t>(*width) * *height * 3);
-            for (int row = 0; row < *height; ++row) {
-                for (int column = 0; column < *width; ++column) {
-                    const unsigned long pixel = XGetPixel(image, column, row);
-                    rgb.push_back(static_cast<uint8_t>(pixel >> 16));
-                    rgb.push_back(static_cast<uint8_t>(pixel >> 8));
-                    rgb.push_back(static_cast<uint8_t>(pixel));
-                }
-            }
-            XDestroyImage(image);
-        }
-    }
-    XCloseDisplay(x);
-    return rgb;
-}
 
 TEST_F(PlayerProcess, APauseStopsTheDemoClockAndTheFramesAndOnlyPlayedTimeCounts) {
     start({"--window", "--verbose"});
@@ -303,7 +186,7 @@ TEST_F(PlayerProcess, AJumpFromPartThreeDrawsTheFramesOfAShowStartedAtPartFourBy
     std::this_thread::sleep_for(std::chrono::milliseconds(300));
     int width = 0;
     int height = 0;
-    const std::vector<uint8_t> landed = windowRgb(server.display(), id, &width, &height);
+    const std::vector<uint8_t> landed = windowPixels(server.display(), id, &width, &height);
     // Played on a little and paused again: the frame the pause keeps is named in the log.
     key(id, "space", server.display());
     std::this_thread::sleep_for(std::chrono::milliseconds(250));
@@ -312,7 +195,7 @@ TEST_F(PlayerProcess, AJumpFromPartThreeDrawsTheFramesOfAShowStartedAtPartFourBy
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(300));
-    const std::vector<uint8_t> later = windowRgb(server.display(), id, &width, &height);
+    const std::vector<uint8_t> later = windowPixels(server.display(), id, &width, &height);
     key(id, "Escape", server.display());
     EXPECT_EQ(finish(), 0);
     EXPECT_NE(err().find("jump to part 4"), std::string::npos) << err();
@@ -357,7 +240,7 @@ TEST_F(PlayerProcess, AfterAJumpTheMusicPlaysFromThePartsPlaceInTheSong) {
     kill(pid_, SIGINT);
     EXPECT_EQ(finish(), 130);
 
-    const std::string bytes = readFile(dir_ + "/heard.raw");
+    const std::string bytes = readTextFile(dir_ + "/heard.raw");
     std::vector<int16_t> heard(bytes.size() / 2);
     std::memcpy(heard.data(), bytes.data(), heard.size() * 2);
     DecodedAudio song;
@@ -399,13 +282,13 @@ TEST_F(PlayerProcess, FTakesThePausedPictureToFullscreenInItsFourThreeFrameAndBa
     std::this_thread::sleep_for(std::chrono::milliseconds(200));
     int width = 0;
     int height = 0;
-    const std::vector<uint8_t> windowed = windowRgb(server.display(), id, &width, &height);
+    const std::vector<uint8_t> windowed = windowPixels(server.display(), id, &width, &height);
     ASSERT_EQ(width, 640);
     ASSERT_FALSE(windowed.empty());
 
     key(id, "f", server.display());
     std::this_thread::sleep_for(std::chrono::milliseconds(600));
-    const std::vector<uint8_t> full = windowRgb(server.display(), id, &width, &height);
+    const std::vector<uint8_t> full = windowPixels(server.display(), id, &width, &height);
     EXPECT_EQ(width, 1280);
     EXPECT_EQ(height, 720);
     key(id, "f", server.display());
@@ -413,7 +296,7 @@ TEST_F(PlayerProcess, FTakesThePausedPictureToFullscreenInItsFourThreeFrameAndBa
     moveToCorner(id, server.display());  // uncovered again where it was off the screen
     int backWidth = 0;
     int backHeight = 0;
-    const std::vector<uint8_t> back = windowRgb(server.display(), id, &backWidth, &backHeight);
+    const std::vector<uint8_t> back = windowPixels(server.display(), id, &backWidth, &backHeight);
     key(id, "Escape", server.display());
     EXPECT_EQ(finish(), 0);
     EXPECT_EQ(err().find("resumed"), std::string::npos) << "f does not resume";
