@@ -1,5 +1,7 @@
 #include "tests/resources/gl_test_window.h"
 
+#include <vector>
+
 #include <GL/freeglut.h>
 
 #include <cstdlib>
@@ -25,4 +27,16 @@ bool openGlTestWindow() {
 void setShowStartState() {
     setStartGlState();
     glViewport(0, 0, 640, 480);
+}
+
+uint64_t backBufferHash() {
+    std::vector<uint8_t> pixels(640 * 480 * 4);
+    glPixelStorei(GL_PACK_ALIGNMENT, 1);
+    glReadBuffer(GL_BACK);
+    glReadPixels(0, 0, 640, 480, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+    uint64_t hash = 14695981039346656037ull;
+    for (uint8_t byte : pixels) {
+        hash = (hash ^ byte) * 1099511628211ull;
+    }
+    return hash;
 }

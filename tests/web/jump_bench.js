@@ -17,36 +17,19 @@ const SITE = path.resolve(process.env.KASKADE_SITE || path.join(__dirname, '../.
 const RUNS = Number(process.argv[2] || 3);
 const PARTS = 13;
 
-// Runs in the page: the milliseconds from asking for `part` to the end of the
-// frame that shows it, its drawing finished.
-async function timeJumpInPage(part) {
+// Runs in the page: the milliseconds until the end of the next frame of
+// `part` drawn, its drawing finished; with `jump`, from asking for `part`
+// (without, the floor: the rest of the display's frame and an ordinary frame
+// of part `part`, which plays).
+async function timeFrameInPage([part, jump]) {
   const shown = () => window.kaskade.partCounts()[part - 1].frames;
   const before = shown();
   const gl = document.getElementById('canvas').getContext('webgl2');
   const pixel = new Uint8Array(4);
   const asked = performance.now();
-  Module._kaskade_jump_to(part);
-  return new Promise((resolve) => {
-    const check = () => {
-      if (shown() > before) {
-        gl.readPixels(0, 0, 1, 1, gl.RGBA, gl.UNSIGNED_BYTE, pixel);
-        resolve(performance.now() - asked);
-      } else {
-        requestAnimationFrame(check);
-      }
-    };
-    requestAnimationFrame(check);
-  });
-}
-
-// Runs in the page: the same wait with no jump asked for (the floor: the rest
-// of the display's frame and an ordinary frame of part `part`, which plays).
-async function timeFrameInPage(part) {
-  const shown = () => window.kaskade.partCounts()[part - 1].frames;
-  const before = shown();
-  const gl = document.getElementById('canvas').getContext('webgl2');
-  const pixel = new Uint8Array(4);
-  const asked = performance.now();
+  if (jump) {
+    Module._kaskade_jump_to(part);
+  }
   return new Promise((resolve) => {
     const check = () => {
       if (shown() > before) {
@@ -79,9 +62,9 @@ async function openShow(browser, siteUrl) {
 }
 
 async function jump(page, from, to) {
-  await page.evaluate(timeJumpInPage, from);
+  await page.evaluate(timeFrameInPage, [from, true]);
   await page.evaluate(framesInPage, 3);
-  return page.evaluate(timeJumpInPage, to);
+  return page.evaluate(timeFrameInPage, [to, true]);
 }
 
 function report(best) {
@@ -119,9 +102,9 @@ function report(best) {
     }
     const ordinary = [];
     for (let part = 1; part <= PARTS; ++part) {
-      await page.evaluate(timeJumpInPage, part);
+      await page.evaluate(timeFrameInPage, [part, true]);
       for (let i = 0; i < 10; ++i) {
-        ordinary.push(await page.evaluate(timeFrameInPage, part));
+        ordinary.push(await page.evaluate(timeFrameInPage, [part, false]));
       }
     }
     await page.close();
@@ -135,7 +118,7 @@ function report(best) {
     const cold = [];
     for (let to = 2; to <= PARTS; ++to) {
       const fresh = await openShow(browser, site.url);
-      cold.push(`${to}: ${(await fresh.evaluate(timeJumpInPage, to)).toFixed(1)}`);
+      cold.push(`${to}: ${(await fresh.evaluate(timeFrameInPage, [to, true])).toFixed(1)}`);
       await fresh.close();
     }
     console.log(`  to part ${cold.join(', ')} ms`);
