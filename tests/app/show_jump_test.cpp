@@ -13,11 +13,11 @@
 #include "app/shell.h"
 #include "app/show_start.h"
 #include "audio/fixed_step_clock.h"
+#include "tests/app/show_test_window.h"
 #include "tests/resources/gl_test_window.h"
 
 #include <GL/freeglut.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <functional>
 #include <map>
@@ -61,13 +61,9 @@ extern "C" void __wrap_glutSwapBuffers() {
 }
 
 TEST(ShowJumps, EveryFrameAfterAKeyIsTheFrameTheShowDrawsAtThatTick) {
-    if (!openGlTestWindow()) {
-        GTEST_SKIP() << "no display: run under xvfb-run";
+    if (const std::string why = openShowInTestWindow(); !why.empty()) {
+        GTEST_SKIP() << why;
     }
-    if (chdir(KASKADE_SHOW_DIR) != 0 || access("3d", R_OK) != 0) {
-        GTEST_SKIP() << "the show's content is not built in " << KASKADE_SHOW_DIR;
-    }
-    initGlState();
     std::string error;
     ASSERT_TRUE(startFixedStepClock(FPS, "harbour.mp3", &error)) << error;
     ShowOptions options;
