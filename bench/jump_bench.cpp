@@ -6,8 +6,8 @@
 //                          loaded once; one line per pair and run: FROM TO MS
 //   jump_bench cold PART   one jump from part 1 to PART in a fresh show, which
 //                          reads parts 2..PART from the archive first: PART MS
-#include "app/desktop/desktop_player.h"
-#include "app/desktop/frame_target.h"
+#include "app/desktop/player/desktop_player.h"
+#include "app/desktop/capture/frame_target.h"
 #include "app/desktop/options.h"
 #include "app/player.h"
 #include "app/sequencer.h"

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "app/desktop/png_file.h"
+#include "app/desktop/capture/png_file.h"
 #include "content/content_entry.h"
 #include "content/images/app_icon.h"
 #include "content/images/images.h"

@@ -2,8 +2,8 @@
 // are given back before the frame rate is printed and the process ends, with
 // status 0, 128 + the signal that ended the show, or 1 when a capture could not
 // be completed.
-#include "app/desktop/capture.h"
-#include "app/desktop/display_mode.h"
+#include "app/desktop/capture/capture.h"
+#include "app/desktop/display/display_mode.h"
 #include "app/desktop/signals.h"
 #include "app/sequencer.h"
 #include "app/shell.h"

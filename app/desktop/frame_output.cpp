@@ -1,8 +1,8 @@
 #include "app/frame_output.h"
 
-#include "app/desktop/capture.h"
-#include "app/desktop/frame_target.h"
-#include "app/desktop/held_picture.h"
+#include "app/desktop/capture/capture.h"
+#include "app/desktop/capture/frame_target.h"
+#include "app/desktop/player/held_picture.h"
 #include "app/player.h"
 #include "audio/fixed_step_clock.h"
 #include "audio/music.h"

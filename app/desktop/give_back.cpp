@@ -1,7 +1,7 @@
 #include "app/desktop/give_back.h"
 
-#include "app/desktop/capture.h"
-#include "app/desktop/display_mode.h"
+#include "app/desktop/capture/capture.h"
+#include "app/desktop/display/display_mode.h"
 #include "base/fatal.h"
 
 #include <X11/Xlib.h>

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <optional>
 
-#include "app/desktop/video_encoder.h"
+#include "app/desktop/capture/video_encoder.h"
 #include "kaskade_version.h"
 #include "app/shell.h"
 #include "parts/part_schedule.h"

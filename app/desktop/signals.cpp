@@ -1,7 +1,7 @@
 #include "app/desktop/signals.h"
 
-#include "app/desktop/display_guard.h"
-#include "app/desktop/display_mode.h"
+#include "app/desktop/display/display_guard.h"
+#include "app/desktop/display/display_mode.h"
 #include "app/sequencer.h"
 
 #include <signal.h>

@@ -3,8 +3,8 @@
 // GoogleTest first: the X headers behind window_placement.h define None and Bool.
 #include <gtest/gtest.h>
 
-#include "app/desktop/frame_target.h"
-#include "app/desktop/window_placement.h"
+#include "app/desktop/capture/frame_target.h"
+#include "app/desktop/display/window_placement.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 // Xvfb): a pause stops the clock and the frames, a jump lands on the frame a
 // show started at that part draws and moves the music to the part's place,
 // and f takes the paused picture to fullscreen and back.
-#include "app/desktop/png_file.h"
+#include "app/desktop/capture/png_file.h"
 #include "audio/pcm_decoder.h"
 #include "tests/audio/test_sounds.h"
 #include "tests/support/show_process.h"

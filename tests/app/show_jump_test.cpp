@@ -6,7 +6,7 @@
 // pass drew at the same tick: a jump lands on the frames a show started at
 // that part draws, and every part's state (part 1's reveals, part 12's room)
 // is rebuilt as it was.
-#include "app/desktop/desktop_player.h"
+#include "app/desktop/player/desktop_player.h"
 #include "app/desktop/options.h"
 #include "app/player.h"
 #include "app/sequencer.h"

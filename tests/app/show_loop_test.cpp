@@ -1,7 +1,7 @@
 // A looping show seen from inside the process, on the fixed-step clock with
 // the show's own content: every frame of the second pass is the frame the
 // first pass drew, and the second pass takes no more memory than the first.
-#include "app/desktop/show_loop.h"
+#include "app/desktop/player/show_loop.h"
 #include "app/sequencer.h"
 #include "app/shell.h"
 #include "app/show_start.h"

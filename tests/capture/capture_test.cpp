@@ -1,7 +1,7 @@
 // The show captured on the fixed-step clock, seen from outside the process:
 // frame-exact repeatability, the whole show as a video with its soundtrack,
 // the per-part log, and a clear refusal when ffmpeg is missing.
-#include "app/desktop/png_file.h"
+#include "app/desktop/capture/png_file.h"
 #include "tests/audio/test_sounds.h"
 #include "tests/capture/show_runs.h"
 #include "tests/support/fatal_catcher.h"

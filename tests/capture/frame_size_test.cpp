@@ -2,7 +2,7 @@
 // large frame is the 640 x 480 picture drawn finer (scaled down, it matches the
 // reference, lines as thick as there), a wide frame holds the 4:3 picture
 // between black bars, and the display's own size is taken without a switch.
-#include "app/desktop/png_file.h"
+#include "app/desktop/capture/png_file.h"
 #include "tests/capture/show_runs.h"
 #include "tests/support/fatal_catcher.h"
 #include "tests/support/frame_compare.h"

@@ -1,6 +1,6 @@
 #include "tests/gl11/scene_comparison.h"
 
-#include "app/desktop/png_file.h"
+#include "app/desktop/capture/png_file.h"
 #include "gl11/gl11_platform.h"
 #include "tests/gl11/feature_scenes.h"
 

@@ -1,6 +1,6 @@
 #include "tests/packaging/installed_show.h"
 
-#include "app/desktop/png_file.h"
+#include "app/desktop/capture/png_file.h"
 #include "tests/support/fatal_catcher.h"
 
 #include <gtest/gtest.h>

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "app/desktop/png_file.h"
+#include "app/desktop/capture/png_file.h"
 #include "tests/resources/resource_test_files.h"
 #include "tests/support/fatal_catcher.h"
 

@@ -2,7 +2,7 @@
 // show's 640 x 480 and compared with a frame drawn at that size.
 #pragma once
 
-#include "app/desktop/png_file.h"
+#include "app/desktop/capture/png_file.h"
 
 #include <string>
 #include <vector>

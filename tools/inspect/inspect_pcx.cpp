@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "app/desktop/png_file.h"
+#include "app/desktop/capture/png_file.h"
 #include "resources/pcx_decoder.h"
 #include "resources/texture.h"
 #include "tools/inspect/inspect_command.h"

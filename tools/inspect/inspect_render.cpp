@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "app/gl_start_state.h"
-#include "app/desktop/png_file.h"
+#include "app/desktop/capture/png_file.h"
 #include "engine/world.h"
 #include "tools/inspect/inspect_command.h"
 

@@ -1,4 +1,4 @@
-#include "app/desktop/screen_layout.h"
+#include "app/desktop/display/screen_layout.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
-#include "app/desktop/show_loop.h"
+#include "app/desktop/player/show_loop.h"
 
-#include "app/desktop/gl_start_again.h"
+#include "app/desktop/player/gl_start_again.h"
 #include "app/sequencer.h"
 #include "app/show_start.h"
 

@@ -13,7 +13,7 @@
 // it never lingers as a zombie of the show.
 #pragma once
 
-#include "app/desktop/screen_layout.h"
+#include "app/desktop/display/screen_layout.h"
 
 // Starts the guard holding `original`. False when no process can be started
 // (the caller then does not switch).

@@ -1,9 +1,9 @@
-#include "app/desktop/desktop_player.h"
+#include "app/desktop/player/desktop_player.h"
 
-#include "app/desktop/gl_start_again.h"
-#include "app/desktop/held_picture.h"
+#include "app/desktop/player/gl_start_again.h"
+#include "app/desktop/player/held_picture.h"
 #include "app/desktop/options.h"
-#include "app/desktop/window_placement.h"
+#include "app/desktop/display/window_placement.h"
 #include "app/player.h"
 #include "app/sequencer.h"
 #include "app/shell.h"

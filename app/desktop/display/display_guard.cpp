@@ -1,4 +1,4 @@
-#include "app/desktop/display_guard.h"
+#include "app/desktop/display/display_guard.h"
 
 #include <fcntl.h>
 #include <poll.h>

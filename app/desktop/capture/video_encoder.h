@@ -6,7 +6,7 @@
 // frame and ffmpeg ends the sound there (-shortest).
 #pragma once
 
-#include "app/desktop/child_process.h"
+#include "app/desktop/capture/child_process.h"
 
 #include <cstdint>
 #include <string>

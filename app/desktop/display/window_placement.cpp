@@ -1,4 +1,4 @@
-#include "app/desktop/window_placement.h"
+#include "app/desktop/display/window_placement.h"
 
 #include <GL/freeglut.h>
 #include <GL/glx.h>

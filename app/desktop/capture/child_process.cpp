@@ -1,4 +1,4 @@
-#include "app/desktop/child_process.h"
+#include "app/desktop/capture/child_process.h"
 
 #include "app/desktop/signals.h"
 

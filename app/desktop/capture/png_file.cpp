@@ -1,4 +1,4 @@
-#include "app/desktop/png_file.h"
+#include "app/desktop/capture/png_file.h"
 
 #include <png.h>
 

@@ -1,4 +1,4 @@
-#include "app/desktop/frame_target.h"
+#include "app/desktop/capture/frame_target.h"
 
 #define GL_GLEXT_PROTOTYPES
 #include "base/gl.h"

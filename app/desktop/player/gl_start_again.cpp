@@ -1,6 +1,6 @@
-#include "app/desktop/gl_start_again.h"
+#include "app/desktop/player/gl_start_again.h"
 
-#include "app/desktop/frame_target.h"
+#include "app/desktop/capture/frame_target.h"
 #include "base/gl.h"
 
 namespace {

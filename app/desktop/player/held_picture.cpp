@@ -1,6 +1,6 @@
-#include "app/desktop/held_picture.h"
+#include "app/desktop/player/held_picture.h"
 
-#include "app/desktop/frame_target.h"
+#include "app/desktop/capture/frame_target.h"
 
 #define GL_GLEXT_PROTOTYPES
 #include "base/gl.h"

@@ -1,4 +1,4 @@
-#include "app/desktop/video_encoder.h"
+#include "app/desktop/capture/video_encoder.h"
 
 #include "audio/decoded_audio.h"
 

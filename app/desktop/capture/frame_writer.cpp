@@ -1,4 +1,4 @@
-#include "app/desktop/frame_writer.h"
+#include "app/desktop/capture/frame_writer.h"
 
 #include <condition_variable>
 #include <deque>

@@ -1,6 +1,6 @@
-#include "app/desktop/display_mode.h"
+#include "app/desktop/display/display_mode.h"
 
-#include "app/desktop/display_guard.h"
+#include "app/desktop/display/display_guard.h"
 #include "app/part_log.h"
 
 #include <GL/glx.h>

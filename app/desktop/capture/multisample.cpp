@@ -1,4 +1,4 @@
-#include "app/desktop/multisample.h"
+#include "app/desktop/capture/multisample.h"
 
 #include <GL/glx.h>
 #include <X11/Xlib.h>

@@ -5,10 +5,10 @@
 // The whole layout of the screen is saved before the switch and set back
 // exactly on every way out of the process: the end path and the fatal reports
 // restore it themselves; for a crash, a kill or a lost X connection a guard
-// process does (app/desktop/display_guard.h).
+// process does (app/desktop/display/display_guard.h).
 #pragma once
 
-#include "app/desktop/screen_layout.h"
+#include "app/desktop/display/screen_layout.h"
 
 // Switches the show's monitor (the primary output's, see primaryMonitor) to a
 // width x height mode of its output, the one whose refresh rate is nearest the

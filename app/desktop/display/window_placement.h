@@ -3,7 +3,7 @@
 // screen across monitors, and a window is never larger than its monitor.
 #pragma once
 
-#include "app/desktop/screen_layout.h"
+#include "app/desktop/display/screen_layout.h"
 
 #include <string>
 #include <vector>
