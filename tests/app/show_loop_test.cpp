@@ -64,7 +64,9 @@ TEST(ShowLoop, TheSecondPassDrawsTheFirstPassesFramesWithoutGrowing) {
         ASSERT_EQ(g_frames[1][i], g_frames[0][i]) << "frame " << i << " of the second pass";
     }
     EXPECT_EQ(g_testWorld, firstScene) << "the scenes are not loaded again";
-    // A pass that loaded a scene or a picture again would hold megabytes more.
-    EXPECT_LE(g_heapBytes[1], g_heapBytes[0] + (1u << 20))
+    // A pass that loaded its pictures again would hold 11 MB more; what the
+    // GL driver holds moves by up to a megabyte from pass to pass on a busy
+    // machine.
+    EXPECT_LE(g_heapBytes[1], g_heapBytes[0] + (4u << 20))
         << g_heapBytes[0] << " bytes in use after the first pass, " << g_heapBytes[1] << " after the second";
 }

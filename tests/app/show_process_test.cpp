@@ -1,8 +1,9 @@
-// The real kaskade program on the test's X display (Xvfb): its window, its
-// keys and mouse, a closed window, the fullscreen fallback, and the audio
-// failures before any window, each seen from outside the process.
+// The real kaskade program on an X display (Xvfb), seen from outside the
+// process, where only a whole process shows it: every way out with its exit
+// status, the screen given back, the window's picture at any size, the
+// refusals before any window, the music heard where a start or a jump puts it,
+// a pause, f, and a looping show.
 #include "audio/pcm_decoder.h"
-#include "tests/support/resident_memory.h"
 #include "tests/support/frame_compare.h"
 #include "tests/support/show_process.h"
 #include "tests/support/test_x_server.h"
@@ -15,39 +16,13 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
+#include <cmath>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <sstream>
-#include <thread>
 
 namespace {
-
-TEST_F(ShowProcess, WindowedShowPrintsTheDemoTimeOnRAndEndsOnEscape) {
-    start({"--window"});
-    const std::string id = window();
-    ASSERT_FALSE(id.empty());
-    EXPECT_NE(runCommand("xdotool getwindowgeometry " + id).find("Geometry: 640x480"), std::string::npos);
-    std::this_thread::sleep_for(std::chrono::milliseconds(600));
-    runCommand("xdotool key --window " + id + " r");
-    std::this_thread::sleep_for(std::chrono::milliseconds(700));
-    runCommand("xdotool key --window " + id + " r");
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    runCommand("xdotool key --window " + id + " Escape");
-    const ShowResult result = finish();
-
-    EXPECT_EQ(result.status, 0);
-    double first = -1;
-    double second = -1;
-    ASSERT_EQ(std::sscanf(result.out.c_str(), "%lf\n%lf\n", &first, &second), 2) << result.out;
-    // Tenths of a second: 0.7 s between the presses reads as about 7.
-    EXPECT_GT(second - first, 4.0) << result.out;
-    EXPECT_LT(second - first, 20.0) << result.out;
-    EXPECT_TRUE(endsWithFrameRateLine(result.out)) << result.out;
-    EXPECT_EQ(result.err, SHORT_SONG_WARNING) << "the audio libraries' chatter stays off the terminal";
-}
 
 // What a window manager's close button sends.
 void sendDeleteWindow(const std::string& id) {
@@ -59,297 +34,184 @@ void sendDeleteWindow(const std::string& id) {
     event.xclient.message_type = XInternAtom(display, "WM_PROTOCOLS", False);
     event.xclient.format = 32;
     event.xclient.data.l[0] = static_cast<long>(XInternAtom(display, "WM_DELETE_WINDOW", False));
-    event.xclient.data.l[1] = CurrentTime;
     XSendEvent(display, event.xclient.window, False, NoEventMask, &event);
     XCloseDisplay(display);
 }
 
-TEST_F(ShowProcess, MousePressAndClosedWindowRunTheEndPathLikeEscape) {
-    for (const char* how : {"mouse", "close"}) {
+// The demo times r printed, in order.
+std::vector<double> demoTimes(const std::string& out) {
+    std::vector<double> times;
+    std::istringstream lines(out);
+    for (std::string line; std::getline(lines, line);) {
+        if (line.rfind("fps: ", 0) != 0) {
+            times.push_back(std::stod(line));
+        }
+    }
+    return times;
+}
+
+TEST_F(ShowProcess, EveryWayOutOfAWindowedShowRunsTheEndPathWithItsStatus) {
+    const struct {
+        const char* way;
+        int status;
+    } ways[] = {{"Escape", 0}, {"mouse", 0}, {"close", 0}, {"SIGINT", 130}, {"SIGTERM", 143}, {"SIGHUP", 129}};
+    for (const auto& w : ways) {
         start({"--window"});
         const std::string id = window();
-        ASSERT_FALSE(id.empty()) << how;
-        if (std::string(how) == "mouse") {
+        ASSERT_FALSE(id.empty()) << w.way;
+        const std::string way = w.way;
+        if (way == "Escape") {
+            EXPECT_NE(runCommand("xdotool getwindowgeometry " + id).find("Geometry: 640x480"), std::string::npos);
+            key(id, "r");
+            ASSERT_TRUE(within(5000, [&] { return !out().empty(); }));
+            key(id, "r");
+            key(id, "Escape");
+        } else if (way == "mouse") {
             runCommand("xdotool mousemove --window " + id + " 100 100 click 3");
-        } else {
+        } else if (way == "close") {
             sendDeleteWindow(id);
+        } else {
+            kill(pid_, way == "SIGINT" ? SIGINT : way == "SIGTERM" ? SIGTERM : SIGHUP);
         }
         const ShowResult result = finish();
-        EXPECT_EQ(result.status, 0) << how;
-        EXPECT_TRUE(endsWithFrameRateLine(result.out)) << how << ": " << result.out;
+        EXPECT_EQ(result.status, w.status) << w.way;
+        EXPECT_TRUE(endsWithFrameRateLine(result.out)) << w.way << ": " << result.out;
+        if (way == "Escape") {
+            // r prints the demo time in tenths of a second, as "%f".
+            const std::vector<double> times = demoTimes(result.out);
+            ASSERT_EQ(times.size(), 2u) << result.out;
+            EXPECT_LE(times[0], times[1]);
+            EXPECT_NE(result.out.find(".", result.out.find('\n') - 7), std::string::npos) << result.out;
+            EXPECT_EQ(result.err, SHORT_SONG_WARNING) << "the audio libraries' chatter stays off the terminal";
+        }
     }
+}
+
+TEST_F(ShowProcess, RefusalsComeBeforeAnyWindowAndNoSoundNeedsNoSoundtrack) {
+    ShowResult result = run({"--aa", "64", "--nosound"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_NE(result.err.find("the display offers no 64-sample multisampling (it offers: "), std::string::npos)
+        << result.err;
+    result = run({"--help"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_NE(result.out.find("usage: kaskade"), std::string::npos);
+    result = run({"--version"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out.rfind("kaskade ", 0), 0u);
+
+    std::remove((dir_ + "/harbour.mp3").c_str());
+    result = run({"--window"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "BASS ERROR: Can't play the file\n");
+    EXPECT_EQ(result.out, "");
+    start({"--nosound"});
+    const std::string id = window();
+    ASSERT_FALSE(id.empty());
+    key(id, "Escape");
+    result = finish();
+    EXPECT_EQ(result.status, 0);
+    EXPECT_TRUE(endsWithFrameRateLine(result.out)) << result.out;
 }
 
 TEST_F(ShowProcess, FullscreenFallsBackToTheScreenAsItIsAndLeavesItSo) {
-    const std::string screenBefore = runCommand("xdotool getdisplaygeometry");
+    const std::string screen = runCommand("xdotool getdisplaygeometry");
     start({});
     const std::string id = window();
     ASSERT_FALSE(id.empty());
-    std::this_thread::sleep_for(std::chrono::milliseconds(300));
-    const std::string size = screenBefore.substr(0, screenBefore.find('\n'));
+    const std::string size = screen.substr(0, screen.find('\n'));
     const std::string expected = "Geometry: " + size.substr(0, size.find(' ')) + "x" + size.substr(size.find(' ') + 1);
-    EXPECT_NE(runCommand("xdotool getwindowgeometry " + id).find(expected), std::string::npos);
-    runCommand("xdotool key --window " + id + " Escape");
+    EXPECT_TRUE(within(5000, [&] {
+        return runCommand("xdotool getwindowgeometry " + id).find(expected) != std::string::npos;
+    }));
+    key(id, "Escape");
     const ShowResult result = finish();
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.err, SHORT_SONG_WARNING);
-    EXPECT_EQ(runCommand("xdotool getdisplaygeometry"), screenBefore);
-}
-
-TEST_F(ShowProcess, EndingSignalsRunTheEndPathWithTheShellsStatus) {
-    // With sound on, so the audio layer's initialisation is part of it.
-    const struct {
-        int signal;
-        int status;
-    } cases[] = {{SIGINT, 130}, {SIGTERM, 143}, {SIGHUP, 129}};
-    for (const auto& c : cases) {
-        start({"--window"});
-        ASSERT_FALSE(window().empty());
-        kill(pid_, c.signal);
-        const ShowResult result = finish();
-        EXPECT_EQ(result.status, c.status) << strsignal(c.signal);
-        EXPECT_TRUE(endsWithFrameRateLine(result.out)) << strsignal(c.signal) << ": " << result.out;
-    }
+    EXPECT_EQ(runCommand("xdotool getdisplaygeometry"), screen);
 }
 
 // A screen larger than the show's that offers 640 x 480 as a second RandR
-// size: the fullscreen show switches to it, and every way out gives the
-// original size back.
-class ScreenGiveBack : public ShowProcess {
-protected:
-    void SetUp() override {
-        ShowProcess::SetUp();
-        if (IsSkipped()) {
-            return;
-        }
-        server_ = std::make_unique<TestXServer>(1024, 768);
-        ASSERT_TRUE(server_->running()) << "Xvfb did not start";
-        ASSERT_TRUE(server_->addMode(640, 480));
-        ASSERT_EQ(server_->currentSize(), ORIGINAL);
-    }
+// size: the fullscreen show switches to it, every way out gives the original
+// size back, and --desktop takes the screen as it is.
+TEST_F(ShowProcess, TheSwitchedScreenComesBackOnEveryWayOut) {
+    TestXServer server(1024, 768);
+    ASSERT_TRUE(server.running()) << "Xvfb did not start";
+    ASSERT_TRUE(server.addMode(640, 480));
+    const std::string original = "1024x768";
+    ASSERT_EQ(server.currentSize(), original);
+    const auto sizeBecomes = [&](const std::string& size) {
+        return within(10000, [&] { return server.currentSize() == size; });
+    };
+    const auto startSwitched = [&] {
+        start({}, server.display());
+        return sizeBecomes("640x480");
+    };
 
-    // The fullscreen show, once it has switched the screen.
-    void startSwitched() {
-        start({}, server_->display());
-        ASSERT_TRUE(sizeBecomes("640x480")) << server_->currentSize();
-    }
+    ASSERT_TRUE(startSwitched()) << server.currentSize();
+    key(window(server.display()), "Escape", server.display());
+    EXPECT_EQ(finish().status, 0);
+    EXPECT_EQ(server.currentSize(), original) << "after Escape";
 
-    bool sizeBecomes(const std::string& size, int withinMs = 10000) {
-        for (int waited = 0; waited < withinMs; waited += 20) {
-            if (server_->currentSize() == size) {
-                return true;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        }
-        return server_->currentSize() == size;
-    }
-
-    static constexpr const char* ORIGINAL = "1024x768";
-    std::unique_ptr<TestXServer> server_;
-};
-
-TEST_F(ScreenGiveBack, EscapeAndTheFatalReportsRestoreTheScreenThemselves) {
-    startSwitched();
-    runCommand("DISPLAY=" + server_->display() + " xdotool key --window " + window(server_->display()) + " Escape");
-    ShowResult result = finish();
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(server_->currentSize(), ORIGINAL);
-
-    // Each fatal report keeps its message and status, and the screen is back
-    // by the time the process has ended.
-    std::remove((dir_ + "/3d").c_str());
-    start({}, server_->display());
-    result = finish();
-    EXPECT_EQ(result.status, 255);
-    EXPECT_NE(result.err.find("KOBALT LIBRARY ERROR: cannot open library\n"), std::string::npos) << result.err;
-    EXPECT_EQ(server_->currentSize(), ORIGINAL);
-
-    std::remove((dir_ + "/harbour.mp3").c_str());
-    start({}, server_->display());
-    result = finish();
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.err, "BASS ERROR: Can't play the file\n");
-    EXPECT_EQ(server_->currentSize(), ORIGINAL);
-}
-
-TEST_F(ScreenGiveBack, ACrashOrAKillLeavesItToTheGuard) {
-    // A crash: the screen is restored before the signal ends the process.
-    startSwitched();
-    kill(pid_, SIGSEGV);
-    ShowResult result = finish();
-    EXPECT_EQ(result.signal, SIGSEGV);
-    EXPECT_EQ(server_->currentSize(), ORIGINAL);
-
-    // SIGKILL cannot be caught: the guard sees the show gone and restores.
-    startSwitched();
-    kill(pid_, SIGKILL);
-    result = finish();
-    EXPECT_EQ(result.signal, SIGKILL);
-    EXPECT_TRUE(sizeBecomes(ORIGINAL, 2000)) << server_->currentSize();
-}
-
-TEST_F(ScreenGiveBack, TheGuardIsNoChildOfTheShowAndACrashWithoutItStillRestores) {
-    startSwitched();
-    // The guard is init's child: never a zombie of the show, and out of the
-    // way of `killall kaskade`.
-    // The guard of this test's screen (others may run beside it).
+    // A crash: the screen is restored before the signal ends the process. The
+    // guard is init's child: never a zombie of the show, out of the way of
+    // `killall kaskade`; with it killed, the crashing show restores itself.
+    ASSERT_TRUE(startSwitched());
+    EXPECT_EQ(runCommand("ps -o pid= --ppid " + std::to_string(pid_)), "") << "the show has children";
     std::string guard;
     std::stringstream guards(runCommand("pgrep -x kaskade-guard"));
     for (std::string pid; std::getline(guards, pid);) {
         std::string environment = readTextFile("/proc/" + pid + "/environ");
         std::replace(environment.begin(), environment.end(), '\0', '\n');
-        if (("\n" + environment).find("\nDISPLAY=" + server_->display() + "\n") != std::string::npos) {
+        if (("\n" + environment).find("\nDISPLAY=" + server.display() + "\n") != std::string::npos) {
             guard = pid;
         }
     }
     ASSERT_FALSE(guard.empty()) << "no guard runs";
-    EXPECT_EQ(runCommand("ps -o pid= --ppid " + std::to_string(pid_)), "") << "the show has children";
-    // With its guard killed, a crashing show gives the screen back itself.
     ASSERT_EQ(kill(static_cast<pid_t>(std::stol(guard)), SIGKILL), 0);
-    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    ASSERT_TRUE(within(5000, [&] { return kill(static_cast<pid_t>(std::stol(guard)), 0) != 0; }));
     kill(pid_, SIGSEGV);
-    const ShowResult result = finish();
-    EXPECT_EQ(result.signal, SIGSEGV);
-    EXPECT_EQ(server_->currentSize(), ORIGINAL);
-}
+    EXPECT_EQ(finish().signal, SIGSEGV);
+    EXPECT_EQ(server.currentSize(), original) << "after a crash without its guard";
 
-// Frames the verbose log says part `part` drew, or -1.
-long framesOfPart(const std::string& log, int part) {
-    const std::string line = "part " + std::to_string(part) + " ended at demo time ";
-    const size_t at = log.find(line);
-    long frames = -1;
-    if (at != std::string::npos) {
-        std::sscanf(log.c_str() + at + line.size(), "%*f: %ld frames", &frames);
-    }
-    return frames;
-}
+    // SIGKILL cannot be caught: the guard sees the show gone and restores.
+    ASSERT_TRUE(startSwitched());
+    kill(pid_, SIGKILL);
+    EXPECT_EQ(finish().signal, SIGKILL);
+    EXPECT_TRUE(sizeBecomes(original)) << "after SIGKILL: " << server.currentSize();
 
-TEST_F(ShowProcess, StartingAtTheLastPartPlaysItFromItsPlaceInTheShow) {
-    // 192.5 s to 226.9 s at 30 frames/s; its first frame is the one after 1925.
-    start({"--part", "13", "--fps", "30", "--nosound", "--verbose"});
-    ShowResult result = finish(120);
-    EXPECT_EQ(result.status, 0);
-    EXPECT_TRUE(endsWithFrameRateLine(result.out)) << result.out;
-    EXPECT_NEAR(framesOfPart(result.err, 13), 1032, 1) << result.err;
-    EXPECT_NE(result.err.find("part 13 set up at demo time 1925.670"), std::string::npos) << result.err;
-
-    // Live, the music starts 192.5 s into the song: what the audio device got
-    // (SDL's disk driver writes it out) is the decoded song from there on.
+    // Each fatal report keeps its message and status, the screen back by the time the process has ended.
+    std::remove((dir_ + "/3d").c_str());
+    start({}, server.display());
+    ShowResult result = finish();
+    EXPECT_EQ(result.status, 255);
+    EXPECT_NE(result.err.find("KOBALT LIBRARY ERROR: cannot open library\n"), std::string::npos) << result.err;
+    EXPECT_EQ(server.currentSize(), original);
     std::remove((dir_ + "/harbour.mp3").c_str());
-    ASSERT_EQ(symlink((std::string(KASKADE_SHOW_DIR) + "/harbour.mp3").c_str(), (dir_ + "/harbour.mp3").c_str()), 0);
-    setenv("SDL_DISKAUDIOFILE", (dir_ + "/heard.raw").c_str(), 1);
-    start({"--part", "13"}, "", "disk");
-    unsetenv("SDL_DISKAUDIOFILE");
-    ASSERT_FALSE(window().empty());
-    // Until a tenth of a second of music is out (a loaded machine starts slowly).
-    within(20000, [&] {
-        const std::string bytes = readTextFile(dir_ + "/heard.raw");
-        const size_t sound = bytes.find_first_not_of('\0');
-        return sound != std::string::npos && bytes.size() - sound > 4 * 4410 + 4096 * 4;
-    });
-    kill(pid_, SIGINT);
+    start({}, server.display());
     result = finish();
-    EXPECT_EQ(result.status, 130);
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "BASS ERROR: Can't play the file\n");
+    EXPECT_EQ(server.currentSize(), original);
+    ASSERT_EQ(symlink(KASKADE_SHOW_DIR "/3d", (dir_ + "/3d").c_str()), 0);
 
-    const std::string bytes = readTextFile(dir_ + "/heard.raw");
-    std::vector<int16_t> heard(bytes.size() / 2);
-    std::memcpy(heard.data(), bytes.data(), heard.size() * 2);
-    DecodedAudio song;
-    std::string error;
-    ASSERT_TRUE(decodeSoundtrack(dir_ + "/harbour.mp3", &song, &error)) << error;
-    // Until the music starts the device plays silence, in whole buffers of 1,024 frames.
-    size_t first = 0;
-    while (first < heard.size() && heard[first] == 0) {
-        ++first;
-    }
-    first = first / 2048 * 2048;
-    const size_t compared = 2 * 4410;  // 0.1 s
-    ASSERT_GE(heard.size(), first + compared) << "no music was heard";
-    const size_t at = static_cast<size_t>(192.5 * 44100) * 2;
-    EXPECT_TRUE(std::equal(heard.begin() + static_cast<long>(first), heard.begin() + static_cast<long>(first + compared),
-                           song.samples.begin() + static_cast<long>(at)))
-        << "the music did not start 192.5 s into the song";
-}
-
-TEST_F(ShowProcess, ALoopingShowGoesFromTheLastPartBackToTheFirstUntilEnded) {
-    // AddressSanitizer holds freed memory back for a while (its quarantine,
-    // 256 MB) to catch late uses; under it that memory would count as growth,
-    // so this show gets its freed memory reused at once.
-    const char* sanitizerOptions = std::getenv("ASAN_OPTIONS");
-    const std::string savedOptions = sanitizerOptions == nullptr ? "" : sanitizerOptions;
-    setenv("ASAN_OPTIONS", (savedOptions + (savedOptions.empty() ? "" : ":") +
-                            "quarantine_size_mb=0:thread_local_quarantine_size_kb=0").c_str(), 1);
-    // A first pass of part 13 alone, then whole passes.
-    start({"--loop", "--part", "13", "--fps", "10", "--nosound", "--verbose"});
-    if (sanitizerOptions == nullptr) {
-        unsetenv("ASAN_OPTIONS");
-    } else {
-        setenv("ASAN_OPTIONS", savedOptions.c_str(), 1);
-    }
-    long resident[2] = {};
-    for (int pass = 2; pass <= 3; ++pass) {
-        const std::string line = "the show starts over: pass " + std::to_string(pass);
-        for (int waited = 0; waited < 120000 && readTextFile(dir_ + "/err.txt").find(line) == std::string::npos;
-             waited += 50) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        }
-        resident[pass - 2] = residentKiB(pid_);
-    }
-    kill(pid_, SIGINT);
-    const ShowResult result = finish();
-    EXPECT_EQ(result.status, 130);
-    EXPECT_TRUE(endsWithFrameRateLine(result.out)) << result.out;
-
-    size_t at = 0;
-    for (const char* line : {"part 13 ended", "the show starts over: pass 2", "part 1 set up", "part 7 set up",
-                             "part 13 ended", "the show starts over: pass 3", "part 1 set up"}) {
-        at = result.err.find(line, at);
-        ASSERT_NE(at, std::string::npos) << "no '" << line << "' where expected in:\n" << result.err;
-    }
-    EXPECT_GT(resident[0], 0);
-    EXPECT_LE(resident[1], resident[0] * 105 / 100) << resident[0] << " KiB after the first pass";
-}
-
-TEST_F(ShowProcess, AWideWindowHoldsTheFourThreePictureBetweenBlackBars) {
-    TestXServer server(1920, 1080);
-    ASSERT_TRUE(server.running());
-    // Part 2 lays large images over its frame; after 27 s the credits too.
-    start({"--size", "1920x1080", "--part", "2", "--nosound"}, server.display());
+    start({"--desktop", "--nosound"}, server.display());
     const std::string id = window(server.display());
     ASSERT_FALSE(id.empty());
-    std::this_thread::sleep_for(std::chrono::milliseconds(1500));
-    int width = 0;
-    int height = 0;
-    const std::vector<uint8_t> rgb = windowPixels(server.display(), id, &width, &height);
-    runCommand("DISPLAY=" + server.display() + " xdotool key --window " + id + " Escape");
+    EXPECT_TRUE(within(5000, [&] {
+        return runCommand(onDisplay(server.display()) + "xdotool getwindowgeometry " + id).find("1024x768") !=
+               std::string::npos;
+    }));
+    EXPECT_EQ(server.currentSize(), original) << "--desktop switches nothing";
+    key(id, "Escape", server.display());
     EXPECT_EQ(finish().status, 0);
-    ASSERT_EQ(width, 1920);
-    ASSERT_EQ(height, 1080);
-    // The picture is 1440 x 1080 from x = 240: nothing but black beside it.
-    long litInBars = 0;
-    long litInPicture = 0;
-    for (int row = 0; row < height; ++row) {
-        for (int column = 0; column < width; ++column) {
-            const uint8_t* p = &rgb[(static_cast<size_t>(row) * width + column) * 3];
-            if (p[0] == 255 && p[1] == 0 && p[2] == 255) {
-                continue;  // off the screen
-            }
-            const bool lit = p[0] + p[1] + p[2] > 0;
-            (column < 240 || column >= 1680 ? litInBars : litInPicture) += lit ? 1 : 0;
-        }
-    }
-    EXPECT_EQ(litInBars, 0);
-    EXPECT_GT(litInPicture, 1440L * 1080 * 9 / 10);
 }
 
 // Which columns (or rows, `rows`) of a width x height RGB frame are black throughout.
 std::vector<int> blackLines(const std::vector<uint8_t>& rgb, int width, int height, bool rows) {
     std::vector<int> black;
-    const int lines = rows ? height : width;
-    const int along = rows ? width : height;
-    for (int line = 0; line < lines; ++line) {
+    for (int line = 0; line < (rows ? height : width); ++line) {
         bool dark = true;
-        for (int i = 0; i < along && dark; ++i) {
+        for (int i = 0; i < (rows ? width : height) && dark; ++i) {
             const size_t pixel = rows ? static_cast<size_t>(line) * width + i : static_cast<size_t>(i) * width + line;
             dark = rgb[pixel * 3] + rgb[pixel * 3 + 1] + rgb[pixel * 3 + 2] == 0;
         }
@@ -360,98 +222,176 @@ std::vector<int> blackLines(const std::vector<uint8_t>& rgb, int width, int heig
     return black;
 }
 
-TEST_F(ShowProcess, AnOddMarginsSparePixelGoesToTheSameBarInAWindowAndACapture) {
-    TestXServer server(1024, 768);
+TEST_F(ShowProcess, AWindowOrCaptureOfAnySizeHoldsTheFourThreePictureBetweenBlackBars) {
+    TestXServer server(1920, 1080);
     ASSERT_TRUE(server.running());
+    // Part 13's picture has no black line of its own. The 1920 x 1080
+    // picture is 1440 x 1080 from x = 240; an odd margin's spare pixel goes to
+    // the right or bottom bar, in a window as in a capture.
+    std::vector<int> wideBars;
+    for (int x = 0; x < 1920; ++x) {
+        if (x < 240 || x >= 1680) {
+            wideBars.push_back(x);
+        }
+    }
     const struct {
         const char* size;
         bool rows;
         std::vector<int> bars;
-    } frames[] = {{"643x480", false, {0, 641, 642}}, {"640x483", true, {0, 481, 482}}};
+    } frames[] = {{"1920x1080", false, wideBars}, {"643x480", false, {0, 641, 642}}, {"640x483", true, {0, 481, 482}}};
     for (const auto& frame : frames) {
-        // Part 13's picture has no black line of its own.
-        const std::string directory = dir_ + "/" + frame.size;
-        start({"--part", "13", "--fps", "4", "--nosound", "--size", frame.size, "--capture", directory});
-        const std::string second = directory + "/frame_00001.png";
-        for (int waited = 0; waited < 60000 && access(second.c_str(), F_OK) != 0; waited += 20) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        }
-        kill(pid_, SIGINT);
-        EXPECT_EQ(finish().status, 130);
-        const PngImage captured = loadPng(directory + "/frame_00000.png");
+        const std::string size = frame.size;
+        const std::vector<int>& bars = frame.bars;
+        start({"--part", "13", "--nosound", "--size", size}, server.display());
+        const std::string id = window(server.display());
+        ASSERT_FALSE(id.empty());
+        int width = 0;
+        int height = 0;
+        std::vector<uint8_t> rgb;
+        // Until the picture is drawn.
+        EXPECT_TRUE(within(10000, [&] {
+            rgb = windowPixels(server.display(), id, &width, &height);
+            return !rgb.empty() && litPixels(rgb, width, height, 0, 0, width, height).inside > width * height / 2;
+        })) << size;
+        key(id, "Escape", server.display());
+        EXPECT_EQ(finish().status, 0);
+        EXPECT_EQ(blackLines(rgb, width, height, frame.rows), bars) << size << " in a window";
+
+        const std::string directory = "capture" + size;
+        ASSERT_EQ(captureUntil({"--part", "13", "--fps", "4", "--nosound", "--size", size}, directory, 0), 130);
+        const PngImage captured = loadPng(dir_ + "/" + directory + frameName(0));
         std::vector<uint8_t> capturedRgb;
         for (size_t i = 0; i < captured.pixels.size(); i += static_cast<size_t>(captured.channels)) {
             capturedRgb.insert(capturedRgb.end(), &captured.pixels[i], &captured.pixels[i] + 3);
         }
-        EXPECT_EQ(blackLines(capturedRgb, captured.width, captured.height, frame.rows), frame.bars)
-            << frame.size << " captured";
-
-        start({"--part", "13", "--nosound", "--size", frame.size}, server.display());
-        const std::string id = window(server.display());
-        ASSERT_FALSE(id.empty());
-        std::this_thread::sleep_for(std::chrono::milliseconds(1000));
-        int width = 0;
-        int height = 0;
-        const std::vector<uint8_t> rgb = windowPixels(server.display(), id, &width, &height);
-        key(id, "Escape", server.display());
-        EXPECT_EQ(finish().status, 0);
-        EXPECT_EQ(blackLines(rgb, width, height, frame.rows), frame.bars) << frame.size << " in a window";
+        EXPECT_EQ(blackLines(capturedRgb, captured.width, captured.height, frame.rows), bars) << size << " captured";
     }
 }
 
-TEST_F(ShowProcess, DesktopIsFullscreenAtTheDisplaysOwnSizeWithoutASwitch) {
-    TestXServer server(1024, 768);
-    ASSERT_TRUE(server.running());
-    ASSERT_TRUE(server.addMode(640, 480));  // a switch would be possible
-    start({"--desktop", "--nosound"}, server.display());
-    const std::string id = window(server.display());
-    ASSERT_FALSE(id.empty());
-    std::this_thread::sleep_for(std::chrono::milliseconds(500));
-    EXPECT_NE(runCommand("DISPLAY=" + server.display() + " xdotool getwindowgeometry " + id).find("Geometry: 1024x768"),
-              std::string::npos);
-    EXPECT_EQ(server.currentSize(), "1024x768");
-    runCommand("DISPLAY=" + server.display() + " xdotool key --window " + id + " Escape");
-    EXPECT_EQ(finish().status, 0);
-    EXPECT_EQ(server.currentSize(), "1024x768");
+// The song as the audio device got it (SDL's disk driver writes it out), from
+// the first non-silent buffer of 1,024 frames on.
+std::vector<int16_t> heardMusic(const std::string& path) {
+    const std::string bytes = readTextFile(path);
+    std::vector<int16_t> heard(bytes.size() / 2);
+    std::memcpy(heard.data(), bytes.data(), heard.size() * 2);
+    size_t first = 0;
+    while (first < heard.size() && heard[first] == 0) {
+        ++first;
+    }
+    return std::vector<int16_t>(heard.begin() + static_cast<long>(first / 2048 * 2048), heard.end());
 }
 
-TEST_F(ShowProcess, MultisamplingTheDisplayDoesNotOfferIsRefused) {
-    start({"--aa", "64", "--nosound"});
-    const ShowResult result = finish();
-    EXPECT_EQ(result.status, 1);
-    EXPECT_NE(result.err.find("the display offers no 64-sample multisampling (it offers: "), std::string::npos)
-        << result.err;
+// Where in `heard`, at a device buffer's start, 0.1 s of the song from `seconds` begins; -1 when nowhere.
+long whereHeard(const std::vector<int16_t>& heard, const DecodedAudio& song, double seconds) {
+    const auto place = song.samples.begin() + static_cast<long>(seconds * 44100) * 2;
+    const size_t compared = 2 * 4410;
+    for (size_t at = 0; at + compared <= heard.size(); at += 2048) {
+        if (std::equal(heard.begin() + static_cast<long>(at), heard.begin() + static_cast<long>(at + compared),
+                       place)) {
+            return static_cast<long>(at);
+        }
+    }
+    return -1;
 }
 
-TEST_F(ShowProcess, NoSoundRunsWithoutASoundtrack) {
-    std::remove((dir_ + "/harbour.mp3").c_str());
-    start({"--nosound"});
+TEST_F(ShowProcess, TheMusicPlaysFromThePartsPlaceAtAStartAndAfterAJump) {
+    useShowSoundtrack();
+    const std::string heardPath = dir_ + "/heard.raw";
+    environment_ = {"SDL_DISKAUDIOFILE=" + heardPath};
+    DecodedAudio song;
+    std::string error;
+    ASSERT_TRUE(decodeSoundtrack(dir_ + "/harbour.mp3", &song, &error)) << error;
+    start({"--window", "--part", "3"}, "", "disk");
     const std::string id = window();
     ASSERT_FALSE(id.empty());
-    runCommand("xdotool key --window " + id + " Escape");
+    // Part 3 starts 33.5 s into the song.
+    ASSERT_TRUE(within(20000, [&] { return heardMusic(heardPath).size() > 2 * 4410; })) << "no music was heard";
+    EXPECT_EQ(whereHeard(heardMusic(heardPath), song, 33.5), 0) << "the music did not start at part 3's place";
+    // Right: part 4's, 39.5 s in, after it.
+    key(id, "Right");
+    EXPECT_TRUE(within(20000, [&] { return whereHeard(heardMusic(heardPath), song, 39.5) > 0; }))
+        << "part 4's music was not heard after the jump";
+    kill(pid_, SIGINT);
+    EXPECT_EQ(finish().status, 130);
+}
+
+TEST_F(ShowProcess, APauseHoldsTheClockAndThePictureWhichFTakesToFullscreenAndBack) {
+    TestXServer server(1280, 720);
+    ASSERT_TRUE(server.running());
+    start({"--window", "--part", "7", "--nosound", "--verbose"}, server.display());
+    const std::string id = window(server.display());
+    ASSERT_FALSE(id.empty());
+    // Without a window manager the window may stand a pixel off the screen: it is read back whole.
+    runCommand(onDisplay(server.display()) + "xdotool windowmove --sync " + id + " 0 0");
+    key(id, "space", server.display());
+    ASSERT_TRUE(errSays("paused at"));
+    key(id, "r", server.display());
+    ASSERT_TRUE(within(5000, [&] { return !out().empty(); }));
+    int width = 0;
+    int height = 0;
+    const std::vector<uint8_t> windowed = windowPixels(server.display(), id, &width, &height);
+    ASSERT_EQ(width, 640);
+
+    key(id, "f", server.display());
+    std::vector<uint8_t> full;
+    EXPECT_TRUE(within(10000, [&] {
+        full = windowPixels(server.display(), id, &width, &height);
+        const LitPixels lit = litPixels(full, width, height, 160, 0, 1120, 720);
+        return width == 1280 && height == 720 && lit.outside == 0 && lit.inside > 960 * 720 / 2;
+    })) << "the held picture in its 960 x 720 frame between black bars";
+    key(id, "f", server.display());
+    std::vector<uint8_t> back;
+    EXPECT_TRUE(within(10000, [&] {
+        runCommand(onDisplay(server.display()) + "xdotool windowmove --sync " + id + " 0 0");
+        back = windowPixels(server.display(), id, &width, &height);
+        return width == 640 && back == windowed;
+    })) << "the picture after fullscreen and back is the paused one";
+    key(id, "r", server.display());
+    key(id, "space", server.display());
+    ASSERT_TRUE(errSays("resumed at"));
+    key(id, "Escape", server.display());
+    EXPECT_EQ(finish().status, 0);
+
+    // The clock stood: r read the same time twice, pause and resume name the same time and frame.
+    const std::vector<double> times = demoTimes(out());
+    ASSERT_EQ(times.size(), 2u) << out();
+    EXPECT_DOUBLE_EQ(times[0], times[1]);
+    const std::string log = err();
+    const size_t paused = log.find("paused at demo time ");
+    const size_t resumed = log.find("resumed at demo time ");
+    ASSERT_NE(resumed, std::string::npos);
+    EXPECT_EQ(log.substr(paused + 7, log.find('\n', paused) - paused - 7),
+              log.substr(resumed + 8, log.find('\n', resumed) - resumed - 8));
+    EXPECT_NEAR(std::stod(log.substr(paused + 20)), times[0], 0.001);
+
+    // Fullscreen: the held picture 960 x 720 from x = 160, scaled by 1.5.
+    ASSERT_EQ(full.size(), 1280u * 720 * 3);
+    double difference = 0.0;
+    for (int row = 0; row < 720; ++row) {
+        for (int column = 160; column < 1120; ++column) {
+            const uint8_t* p = &full[(static_cast<size_t>(row) * 1280 + column) * 3];
+            const uint8_t* w = &windowed[(static_cast<size_t>(std::min(479, row * 2 / 3)) * 640 +
+                                          std::min(639, (column - 160) * 2 / 3)) * 3];
+            difference += std::abs(p[0] - w[0]) + std::abs(p[1] - w[1]) + std::abs(p[2] - w[2]);
+        }
+    }
+    EXPECT_LT(difference / (960.0 * 720 * 3), 12.0) << "the held picture, scaled";
+}
+
+TEST_F(ShowProcess, ALoopingShowGoesFromTheLastPartBackToTheFirstUntilEnded) {
+    // A first pass of part 13 alone, then whole passes.
+    start({"--loop", "--part", "13", "--fps", "10", "--nosound", "--verbose"});
+    ASSERT_TRUE(errSays("the show starts over: pass 2", 120));
+    ASSERT_TRUE(errSays("part 2 set up", 60));
+    kill(pid_, SIGINT);
     const ShowResult result = finish();
-    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.status, 130);
     EXPECT_TRUE(endsWithFrameRateLine(result.out)) << result.out;
-}
-
-TEST_F(ShowProcess, AMissingSoundtrackIsFatalBeforeAnyWindow) {
-    std::remove((dir_ + "/harbour.mp3").c_str());
-    start({"--window"});
-    const ShowResult result = finish();
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.err, "BASS ERROR: Can't play the file\n");
-    EXPECT_EQ(result.out, "");
-}
-
-TEST_F(ShowProcess, HelpAndVersionPrintAndExitZero) {
-    start({"--help"});
-    ShowResult result = finish();
-    EXPECT_EQ(result.status, 0);
-    EXPECT_NE(result.out.find("usage: kaskade"), std::string::npos);
-    start({"--version"});
-    result = finish();
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.out.rfind("kaskade ", 0), 0u);
+    size_t at = 0;
+    for (const char* line : {"part 13 ended", "the show starts over: pass 2", "part 1 set up", "part 2 set up"}) {
+        at = result.err.find(line, at);
+        ASSERT_NE(at, std::string::npos) << "no '" << line << "' where expected in:\n" << result.err;
+    }
 }
 
 }  // namespace

@@ -1,185 +1,205 @@
-// The show captured on the fixed-step clock, seen from outside the process:
-// frame-exact repeatability, the whole show as a video with its soundtrack,
-// the per-part log, and a clear refusal when ffmpeg is missing.
-#include "app/desktop/capture/png_file.h"
-#include "tests/audio/test_sounds.h"
-#include "tests/capture/show_runs.h"
+// Captures of stretches of the show, seen from outside the process: a video
+// of its size and rate with the sound of its stretch, the rate factor, large
+// frames that are the small ones drawn finer, and every way out of a capture
+// leaving a file that plays up to the last frame drawn, with the exit status
+// of that way out.
 #include "tests/support/fatal_catcher.h"
+#include "tests/support/frame_compare.h"
+#include "tests/support/show_process.h"
 
 #include <gtest/gtest.h>
 
-#include <dirent.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
 #include <signal.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
-#include <cmath>
 #include <cstdio>
 #include <fstream>
-#include <map>
-#include <sstream>
 
 namespace {
 
-std::vector<std::string> listFiles(const std::string& directory) {
-    std::vector<std::string> names;
-    if (DIR* dir = opendir(directory.c_str())) {
-        while (dirent* entry = readdir(dir)) {
-            if (entry->d_name[0] != '.') {
-                names.push_back(entry->d_name);
-            }
-        }
-        closedir(dir);
-    }
-    std::sort(names.begin(), names.end());
-    return names;
-}
+using Capture = ShowProcess;
 
-using Capture = ShowRun;
-
-TEST_F(Capture, TwoCapturesOfTheShowGiveByteIdenticalFrames) {
-    // Four frames a second keep the whole show short; every frame is compared.
-    ASSERT_EQ(runShow("--fps 4 --capture " + quoted(dir_ + "/a"), dir_ + "/a.log"), 0) << readFile(dir_ + "/a.log");
-    ASSERT_EQ(runShow("--fps 4 --capture " + quoted(dir_ + "/b"), dir_ + "/b.log"), 0) << readFile(dir_ + "/b.log");
-    const std::vector<std::string> first = listFiles(dir_ + "/a");
-    ASSERT_EQ(first, listFiles(dir_ + "/b"));
-    ASSERT_GT(first.size(), 900u);
-    EXPECT_EQ(first.front(), "frame_00000.png");
-    for (const std::string& name : first) {
-        ASSERT_EQ(readFile(dir_ + "/a/" + name), readFile(dir_ + "/b/" + name)) << name;
-    }
-}
-
-TEST_F(Capture, TheWholeShowAsAVideoWithItsSoundtrackAndOneSetUpPerPart) {
-#ifdef KASKADE_SANITIZED
-    GTEST_SKIP() << "the whole show at 30 frames/s is too slow under the sanitizers";
-#endif
-    const std::string video = dir_ + "/show.mp4";
-    const std::string log = dir_ + "/show.log";
-    ASSERT_EQ(runShow("--capture " + quoted(video) + " --verbose", log), 0) << readFile(log);
-
-    // 226.9 s at 30 frames/s, with both streams cut to the show's length.
-    std::map<std::string, double> probe = probeVideo(video);
-    EXPECT_EQ(probe.count("audio duration"), 1u) << "no audio stream";
-    EXPECT_NEAR(probe["video frames"], 6808, 4);
-    EXPECT_NEAR(probe["video duration"], 226.9, 0.2);
-    EXPECT_NEAR(probe["audio duration"], probe["video duration"], 1.0 / 30.0);
-
-    // Every part is set up once, in order, on the frame after the one in which
-    // its predecessor's end time was first exceeded.
-    std::istringstream lines(readFile(log));
-    std::string text;
-    int nextPart = 1;
-    float previousEnd = -1;
-    const float frameStep = 1000.0f / 30.0f * 0.01f;
-    while (std::getline(lines, text)) {
-        int part = 0;
-        float time = 0;
-        if (std::sscanf(text.c_str(), "part %d set up at demo time %f", &part, &time) == 2) {
-            ASSERT_EQ(part, nextPart) << text;
-            if (part == 1) {
-                EXPECT_EQ(time, 0.0f);
-            } else {
-                // Frames fall on whole milliseconds: steps of 0.33 or 0.34.
-                EXPECT_NEAR(time, previousEnd + frameStep, 0.01) << text;
-            }
-            ++nextPart;
-        } else if (std::sscanf(text.c_str(), "part %d ended at demo time %f", &part, &time) == 2) {
-            ASSERT_EQ(part, nextPart - 1) << text;
-            EXPECT_GT(time, PART_END_TIMES[part - 1]) << text;
-            EXPECT_LE(time - frameStep, PART_END_TIMES[part - 1] + 0.01) << text;
-            previousEnd = time;
-        }
-    }
-    EXPECT_EQ(nextPart, 14);
-}
-
-// What the show draws, kept: the middle frame of every part at 4 frames/s,
-// against references renewed by scripts/update-reference-frames after review,
-// in the whole show and in a show started at that part with --part, whose
-// first frame is the whole show's first frame of the part.
-TEST_F(Capture, EveryPartDrawsItsReferenceFramePlayedToOrStartedAt) {
-#ifdef KASKADE_SANITIZED
-    GTEST_SKIP() << "the sanitizers change no pixel; the normal build compares them";
-#endif
-    constexpr int FPS = 4;
-    ASSERT_EQ(runShow("--fps 4 --capture " + quoted(dir_ + "/frames"), dir_ + "/frames.log"), 0);
-    for (int part = 1; part <= 13; ++part) {
-        SCOPED_TRACE("part " + std::to_string(part));
-        const float start = part == 1 ? 0.0f : PART_END_TIMES[part - 2];
-        const int middle = static_cast<int>(start + PART_END_TIMES[part - 1]) * FPS / 20;
-        char name[64];
-        std::snprintf(name, sizeof name, "frames/part%02d.png", part);
-        PngImage reference;
-        PngImage captured;
-        std::string error;
-        ASSERT_TRUE(readPng(testDataPath(name), &reference, &error)) << error;
-        ASSERT_TRUE(readPng(dir_ + "/frames" + frameName(middle), &captured, &error)) << error;
-        ASSERT_EQ(captured.pixels.size(), reference.pixels.size());
-        // A few pixels may move by a rounding step; a changed scene moves thousands.
-        size_t differing = 0;
-        for (size_t i = 0; i < captured.pixels.size(); ++i) {
-            differing += std::abs(captured.pixels[i] - reference.pixels[i]) > 16 ? 1 : 0;
-        }
-        EXPECT_LE(differing, captured.pixels.size() / 1000);
-        if (part == 1) {
-            continue;
-        }
-
-        // Frame j shows 2.5 j: part - 1's last frame is the first above its end time.
-        const int first = static_cast<int>(start / 2.5f) + 2;
-        const std::string started = dir_ + "/part" + std::to_string(part);
-        EXPECT_EQ(captureUntil({"--part", std::to_string(part), "--fps", "4"}, started, middle - first), 130);
-        EXPECT_EQ(readFile(started + frameName(0)), readFile(dir_ + "/frames" + frameName(first)))
-            << "first frame, frame " << first << " of the whole show";
-        EXPECT_EQ(readFile(started + frameName(middle - first)), readFile(dir_ + "/frames" + frameName(middle)))
-            << "middle frame";
-    }
-}
-
-TEST_F(Capture, CtrlCEndsAVideoCaptureWithAPlayableVideoOfTheFramesCaptured) {
-    const std::string video = dir_ + "/cut.mp4";
-    const pid_t pid = startShow({"--capture", video});
-    // Until a second or so is encoded, however slowly the machine draws.
+// Bytes of the file at `path`, 0 when there is none.
+long fileSize(const std::string& path) {
     struct stat info {};
-    for (int waited = 0; waited < 60000 && (stat(video.c_str(), &info) != 0 || info.st_size < 400000); waited += 50) {
-        usleep(50000);
-    }
-    kill(pid, SIGINT);
-    EXPECT_EQ(waitForShow(pid), 130);
-
-    const std::map<std::string, double> probe = probeVideo(video);
-    ASSERT_EQ(probe.count("video frames"), 1u) << "no video stream";
-    ASSERT_EQ(probe.count("audio duration"), 1u) << "no audio stream";
-    const double frames = probe.at("video frames");
-    EXPECT_GT(frames, 10.0);
-    EXPECT_NEAR(probe.at("video duration"), frames / 30.0, 1.0 / 30.0);
-    EXPECT_NEAR(probe.at("audio duration"), frames / 30.0, 1.0 / 30.0);
+    return stat(path.c_str(), &info) == 0 ? static_cast<long>(info.st_size) : 0;
 }
 
-TEST_F(Capture, TheRateFactorTradesTheVideosBytesForSharpness) {
-    std::map<int, double> bytes;
+TEST_F(Capture, AVideoHasItsSizeAndRateAndTheSoundOfItsStretchOfTheShow) {
+    // Part 13 at 1920 x 1080 and 3 frames/s: ticks 579 (193.0 s) to 681, the first past 226.9 s.
+    useShowSoundtrack();
+    const ShowResult result = run({"--part", "13", "--size", "1920x1080", "--fps", "3", "--capture", "wide.mp4"});
+    ASSERT_EQ(result.status, 0) << result.err;
+    std::map<std::string, double> probe = probeVideo(dir_ + "/wide.mp4");
+    EXPECT_EQ(probe["video width"], 1920);
+    EXPECT_EQ(probe["video height"], 1080);
+    EXPECT_EQ(probe["video fps"], 3);
+    EXPECT_NEAR(probe["video frames"], 103, 1);
+    EXPECT_NEAR(probe["video duration"], 103 / 3.0, 0.4);
+    EXPECT_NEAR(probe["audio duration"], probe["video duration"], 1.0 / 3.0);
+}
+
+TEST_F(Capture, TheRateFactorTradesTheVideosBytesForSharpnessAndAVideoNeedsFfmpeg) {
+    std::map<int, long> bytes;
     for (const int crf : {12, 34}) {
-        const std::string video = dir_ + "/crf" + std::to_string(crf) + ".mp4";
-        const std::string log = video + ".log";
-        ASSERT_EQ(runShow("--part 13 --fps 4 --nosound --crf " + std::to_string(crf) + " --capture " + quoted(video),
-                          log),
-                  0)
-            << readFile(log);
-        const std::map<std::string, double> probe = probeVideo(video);
-        ASSERT_EQ(probe.count("video frames"), 1u) << "no video stream at crf " << crf;
-        EXPECT_NEAR(probe.at("video frames"), (PART_END_TIMES[12] - PART_END_TIMES[11]) * 0.4, 1.0) << crf;
-        bytes[crf] = static_cast<double>(readFile(video).size());
+        const std::string video = "crf" + std::to_string(crf) + ".mp4";
+        const ShowResult result =
+            run({"--part", "13", "--fps", "4", "--nosound", "--crf", std::to_string(crf), "--capture", video});
+        ASSERT_EQ(result.status, 0) << result.err;
+        EXPECT_NEAR(probeVideo(dir_ + "/" + video)["video frames"], (2269 - 1925) * 0.4, 1.0) << crf;
+        bytes[crf] = fileSize(dir_ + "/" + video);
     }
-    EXPECT_LT(bytes[34] * 3.0, bytes[12]) << "crf 34: " << bytes[34] << " bytes, crf 12: " << bytes[12];
+    EXPECT_LT(bytes[34] * 3, bytes[12]) << "crf 34: " << bytes[34] << " bytes, crf 12: " << bytes[12];
+
+    environment_ = {"PATH=/nonexistent"};
+    const ShowResult refused = run({"--capture", "show.mkv"});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_NE(refused.err.find("needs ffmpeg"), std::string::npos) << refused.err;
+    EXPECT_EQ(access((dir_ + "/show.mkv").c_str(), F_OK), -1);
 }
 
-TEST_F(Capture, AVideoWithoutFfmpegIsRefusedBeforeTheShowStarts) {
-    const std::string log = dir_ + "/refused.log";
-    EXPECT_EQ(runShow("--capture " + quoted(dir_ + "/show.mkv"), log, "PATH=/nonexistent"), 1);
-    EXPECT_NE(readFile(log).find("needs ffmpeg"), std::string::npos) << readFile(log);
-    EXPECT_EQ(access((dir_ + "/show.mkv").c_str(), F_OK), -1);
+// True when every pixel of `image` left of column `from` and from column `to` on is black.
+bool barsAreBlack(const PngImage& image, int from, int to) {
+    for (int y = 0; y < image.height; ++y) {
+        for (int x = 0; x < image.width; ++x) {
+            const uint8_t* p = &image.pixels[(static_cast<size_t>(y) * image.width + x) * image.channels];
+            if ((x < from || x >= to) && p[0] + p[1] + p[2] != 0) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+TEST_F(Capture, TheFirstFramesOfALargeCaptureAreTheSmallCapturesDrawnFiner) {
+    // The first frame of a capture is drawn before the preview window has
+    // reported its size: it must be fitted like every later one, bars resolved too.
+    const std::vector<std::string> part13 = {"--part", "13", "--fps", "4", "--nosound"};
+    ASSERT_EQ(captureUntil(part13, "small", 1), 130);
+    const struct {
+        const char* size;
+        const char* samples;
+        int pictureX;  // the 1440 x 1080 picture's left edge
+    } captures[] = {{"1440x1080", "1", 0}, {"1920x1080", "4", 240}};
+    for (const auto& capture : captures) {
+        const std::string directory = std::string(capture.size) + "aa" + capture.samples;
+        std::vector<std::string> arguments = part13;
+        arguments.insert(arguments.end(), {"--size", capture.size, "--aa", capture.samples});
+        ASSERT_EQ(captureUntil(arguments, directory, 1), 130);
+        std::vector<PngImage> seen;
+        for (int frame : {0, 1}) {
+            const PngImage large = loadPng(dir_ + "/" + directory + frameName(frame));
+            const PngImage small = loadPng(dir_ + "/small" + frameName(frame));
+            const std::vector<double> scaled = scaledDown(large, 640, 480, capture.pictureX, 0, 1440, 1080);
+            // Edges and lines differ by up to 1.2 outside the parts of lines; a
+            // picture shrunk into a corner is 30 and more away.
+            EXPECT_LE(meanAbsoluteError(scaled, small), 5.0) << capture.size << ", frame " << frame;
+            EXPECT_TRUE(barsAreBlack(large, capture.pictureX, capture.pictureX + 1440))
+                << capture.size << ", frame " << frame;
+            seen.push_back(small);
+            seen.push_back(fromDoubles(scaled, 640, 480));
+        }
+        // For people to look at: frame 0 at 640 x 480 and at this size scaled, then frame 1 the same.
+        const PngImage all = sideBySide(seen);
+        std::string error;
+        EXPECT_TRUE(writePng(artifactPath("first-frames-" + directory + ".png"), all.width, all.height, 3,
+                             all.pixels.data(), false, 1, &error))
+            << error;
+    }
+}
+
+TEST_F(Capture, AFatalReportHalfWayFinishesTheVideoAndEndsWithTheReportsStatus) {
+    // The show's archive without the last part's scene, and the show's soundtrack.
+    useShowSoundtrack();
+    std::remove((dir_ + "/3d").c_str());
+    const std::string tool = "'" KASKADE_SHOW_DIR "/kaskade-archive'";
+    ASSERT_EQ(std::system(("cd '" + dir_ + "' && mkdir entries && cd entries && for name in $(" + tool +
+                           " list '" KASKADE_SHOW_DIR "/3d' | awk '$2 != \"9d.3ds\" {print $2}'); do " + tool +
+                           " extract '" KASKADE_SHOW_DIR "/3d' $name $name || exit 1; names=\"$names $name\"; done && " +
+                           tool + " create ../3d $names")
+                              .c_str()),
+              0);
+    const ShowResult result = run({"--part", "12", "--fps", "10", "--capture", "cut.mp4"});
+    EXPECT_EQ(result.status, 255) << result.err;
+    EXPECT_NE(result.err.find("KOBALT LIBRARY ERROR: File not found : 9d.3ds"), std::string::npos) << result.err;
+    EXPECT_EQ(result.err.find("terminate"), std::string::npos) << result.err;
+    // Part 12 from 175.8 s to the first frame past 192.5 s, at 10 frames/s.
+    const std::map<std::string, double> probe = probeVideo(dir_ + "/cut.mp4");
+    ASSERT_EQ(probe.count("audio duration"), 1u) << "no playable video with sound";
+    EXPECT_NEAR(probe.at("video frames"), 167, 1);
+    EXPECT_NEAR(probe.at("audio duration"), probe.at("video duration"), 0.1);
+}
+
+TEST_F(Capture, CtrlCOrALostXConnectionFinishesTheVideoWithItsSound) {
+    const struct {
+        const char* how;
+        int status;
+    } ways[] = {{"ctrl-c", 130}, {"lost connection", 1}};
+    for (const auto& way : ways) {
+        const std::string video = dir_ + "/" + way.how + ".mp4";
+        start({"--capture", video});
+        const std::string id = window();
+        ASSERT_FALSE(id.empty());
+        // Until a second or so is encoded, however slowly the machine draws.
+        ASSERT_TRUE(within(60000, [&] { return fileSize(video) > 400000; })) << way.how;
+        if (way.status == 130) {
+            kill(pid_, SIGINT);
+        } else {
+            // What xkill does: the server closes the show's connection; Xlib ends the process.
+            runCommand("xdotool windowkill " + id);
+        }
+        const ShowResult result = finish(60);
+        EXPECT_EQ(result.status, way.status) << way.how << ": " << result.err;
+        EXPECT_EQ(result.err.find("terminate"), std::string::npos) << result.err;
+        const std::map<std::string, double> probe = probeVideo(video);
+        ASSERT_EQ(probe.count("audio duration"), 1u) << way.how << ": no playable video with sound";
+        EXPECT_GT(probe.at("video frames"), 10) << way.how;
+        EXPECT_NEAR(probe.at("video duration"), probe.at("video frames") / 30.0, 1.0 / 30.0) << way.how;
+        EXPECT_NEAR(probe.at("audio duration"), probe.at("video duration"), 0.05) << way.how;
+    }
+}
+
+TEST_F(Capture, AnEncoderThatDiesEndsTheShowAtOnceSayingSo) {
+    // Matroska: a file whose encoder stops half-way plays up to where it stopped.
+    start({"--capture", "dies.mkv", "--nosound"});
+    pid_t encoder = 0;
+    ASSERT_TRUE(within(20000, [&] {
+        const std::string found = runCommand("pgrep -P " + std::to_string(pid_) + " -x ffmpeg");
+        encoder = found.empty() ? 0 : static_cast<pid_t>(std::stol(found));
+        return encoder != 0 && fileSize(dir_ + "/dies.mkv") > 300000;
+    })) << "the encoder wrote nothing";
+    kill(encoder, SIGKILL);
+    const ShowResult result = finish(30);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_NE(result.err.find("kaskade: dies.mkv: the video encoder (ffmpeg) was killed by signal 9"),
+              std::string::npos)
+        << result.err;
+    EXPECT_TRUE(endsWithFrameRateLine(result.out)) << result.out;
+    EXPECT_GT(probeVideo(dir_ + "/dies.mkv")["video frames"], 0) << "nothing of the video plays";
+}
+
+TEST_F(Capture, OneCtrlCWhileTheEndPathFinishesTheFileLetsItFinish) {
+    // An encoder that, once its input ends, says so and finishes its file
+    // only when the test lets it.
+    ASSERT_EQ(mkdir((dir_ + "/bin").c_str(), 0755), 0);
+    std::ofstream(dir_ + "/bin/ffmpeg") << "#!/bin/sh\ncat > /dev/null\n: > input-ended\n"
+                                           "while [ ! -e finish ]; do sleep 0.02; done\n"
+                                           ": > \"$(eval echo \\${$#})\"\n";
+    ASSERT_EQ(chmod((dir_ + "/bin/ffmpeg").c_str(), 0755), 0);
+    environment_ = {"PATH=" + dir_ + "/bin:" + std::getenv("PATH")};
+    start({"--capture", "slow.mp4", "--nosound"});
+    const std::string id = window();
+    ASSERT_FALSE(id.empty());
+    key(id, "Escape");
+    ASSERT_TRUE(within(20000, [&] { return access((dir_ + "/input-ended").c_str(), F_OK) == 0; }));
+    // The show now waits for its encoder in the end path.
+    ASSERT_EQ(kill(pid_, SIGINT), 0) << "the show ended before its encoder did";
+    std::ofstream(dir_ + "/finish");
+    const ShowResult result = finish();
+    EXPECT_EQ(result.status, 0) << "Escape's way out, finished";
+    EXPECT_TRUE(endsWithFrameRateLine(result.out)) << result.out;
+    EXPECT_EQ(access((dir_ + "/slow.mp4").c_str(), F_OK), 0) << "the encoder was stopped before its end";
 }
 
 }  // namespace

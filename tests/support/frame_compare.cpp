@@ -93,3 +93,14 @@ PngImage loadPng(const std::string& path) {
     EXPECT_TRUE(readPng(path, &image, &error)) << error;
     return image;
 }
+
+bool matchesReference(const PngImage& frame, const PngImage& reference) {
+    if (frame.pixels.size() != reference.pixels.size() || frame.pixels.empty()) {
+        return false;
+    }
+    size_t differing = 0;
+    for (size_t i = 0; i < frame.pixels.size(); ++i) {
+        differing += std::abs(frame.pixels[i] - reference.pixels[i]) > 16 ? 1 : 0;
+    }
+    return differing <= frame.pixels.size() / 1000;
+}

@@ -26,5 +26,10 @@ PngImage fromDoubles(const std::vector<double>& rgb, int width, int height);
 // Images of the same height side by side, left to right, as one RGB image.
 PngImage sideBySide(const std::vector<PngImage>& images);
 
+// Whether `frame` is `reference` as the frame regressions count a match: the
+// same size, and at most one channel value in a thousand more than a rounding
+// step (16) away; a changed scene moves thousands.
+bool matchesReference(const PngImage& frame, const PngImage& reference);
+
 // Reads a PNG, failing the test (not aborting it) when it cannot.
 PngImage loadPng(const std::string& path);

@@ -20,7 +20,7 @@ const char* const SHORT_SONG_WARNING =
     "kaskade: harbour.mp3 lasts 20.0 s, shorter than the show (226.9 s): the show will not get past part 1\n";
 
 std::string readTextFile(const std::string& path) {
-    std::ifstream in(path);
+    std::ifstream in(path, std::ios::binary);
     std::stringstream text;
     text << in.rdbuf();
     return text.str();
@@ -158,6 +158,11 @@ void ShowProcess::TearDown() {
     }
 }
 
+void ShowProcess::useShowSoundtrack() {
+    std::remove((dir_ + "/harbour.mp3").c_str());
+    ASSERT_EQ(symlink(KASKADE_SHOW_DIR "/harbour.mp3", (dir_ + "/harbour.mp3").c_str()), 0);
+}
+
 void ShowProcess::start(const std::vector<std::string>& arguments, const std::string& display,
                         const char* audioDriver) {
     pid_ = fork();
@@ -215,4 +220,57 @@ ShowResult ShowProcess::finish(int seconds) {
     result.out = readTextFile(dir_ + "/out.txt");
     result.err = readTextFile(dir_ + "/err.txt");
     return result;
+}
+
+ShowResult ShowProcess::run(const std::vector<std::string>& arguments, int seconds) {
+    start(arguments);
+    return finish(seconds);
+}
+
+int ShowProcess::captureUntil(std::vector<std::string> arguments, const std::string& directory, long frame) {
+    arguments.insert(arguments.end(), {"--capture", directory});
+    start(arguments);
+    // Once the frame after it is there, the frame is whole.
+    const std::string after = dir_ + "/" + directory + frameName(frame + 1);
+    EXPECT_TRUE(within(120000, [&] { return access(after.c_str(), F_OK) == 0; })) << "no " << after;
+    kill(pid_, SIGINT);
+    return finish().status;
+}
+
+std::string ShowProcess::out() const { return readTextFile(dir_ + "/out.txt"); }
+std::string ShowProcess::err() const { return readTextFile(dir_ + "/err.txt"); }
+
+bool ShowProcess::errSays(const std::string& text, int seconds) const {
+    return within(seconds * 1000, [&] { return err().find(text) != std::string::npos; });
+}
+
+std::string frameName(long frame) {
+    char name[32];
+    std::snprintf(name, sizeof name, "/frame_%05ld.png", frame);
+    return name;
+}
+
+std::map<std::string, double> probeVideo(const std::string& path) {
+    std::map<std::string, double> probe;
+    std::istringstream lines(runCommand("ffprobe -v error -count_frames -show_entries "
+                                        "stream=codec_type,width,height,r_frame_rate,duration,nb_read_frames "
+                                        "-of default=noprint_wrappers=1 '" + path + "'"));
+    std::string stream;
+    for (std::string line; std::getline(lines, line);) {
+        const size_t equals = line.find('=');
+        if (equals == std::string::npos) {
+            continue;
+        }
+        const std::string key = line.substr(0, equals);
+        const std::string value = line.substr(equals + 1);
+        double number = 0;
+        double divisor = 1;
+        if (key == "codec_type") {
+            stream = value;
+        } else if (std::sscanf(value.c_str(), "%lf/%lf", &number, &divisor) >= 1 && divisor != 0) {
+            const std::string name = key == "r_frame_rate" ? "fps" : key == "nb_read_frames" ? "frames" : key;
+            probe[stream + " " + name] = number / divisor;
+        }
+    }
+    return probe;
 }
