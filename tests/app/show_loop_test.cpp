@@ -9,7 +9,7 @@
 #include "parts/part_state.h"
 #include "tests/app/show_test_window.h"
 #include "tests/resources/gl_test_window.h"
-#include "tests/support/resident_memory.h"
+#include "tests/support/heap_memory.h"
 
 #include <GL/freeglut.h>
 #include <gtest/gtest.h>

@@ -1,9 +1,7 @@
-#include "tests/support/resident_memory.h"
+#include "tests/support/heap_memory.h"
 
 #include <malloc.h>
 
-#include <fstream>
-#include <string>
 
 #if defined(__has_feature)
 #if __has_feature(address_sanitizer)
@@ -18,18 +16,6 @@
 // The sanitizer runtime's own count (GCC ships the function, not its header).
 extern "C" size_t __sanitizer_get_current_allocated_bytes();
 #endif
-
-long residentKiB(pid_t pid) {
-    std::ifstream status("/proc/" + (pid == 0 ? std::string("self") : std::to_string(pid)) + "/status");
-    std::string word;
-    long kib = 0;
-    while (status >> word) {
-        if (word == "VmRSS:") {
-            status >> kib;
-        }
-    }
-    return kib;
-}
 
 size_t heapInUseBytes() {
 #ifdef KASKADE_HEAP_FROM_SANITIZER
