@@ -10,7 +10,9 @@
 #include "app/desktop/options.h"
 #include "app/desktop/player/show_loop.h"
 #include "app/desktop/signals.h"
+#include "app/desktop/standard_descriptors.h"
 #include "app/desktop/display/window_placement.h"
+#include "app/desktop/x_errors.h"
 #include "app/part_log.h"
 #include "app/sequencer.h"
 #include "app/shell.h"
@@ -54,7 +56,7 @@ void startFixedStep(const ShowOptions& options, const std::string& soundtrack) {
 // wide), multisampled with --aa (refused when the display offers no such
 // visual). The fullscreen show opens on the primary monitor.
 void openWindow(int* argc, char** argv, const ShowOptions& options) {
-    glutInit(argc, argv);
+    glutInitOnAnyDesktop(argc, argv);
     watchDisplayConnection();
     unsigned int mode = GLUT_RGB | GLUT_DOUBLE | GLUT_DEPTH;
     const bool capturing = !options.capturePath.empty();
@@ -134,6 +136,7 @@ void chooseFrameTarget(const ShowOptions& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    openClosedStandardDescriptors();
     const ShowOptions options = parseShowOptions(argc, argv);
     if (options.help || options.version) {
         std::fputs(options.help ? showUsage() : showVersion(), stdout);

@@ -19,6 +19,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <memory>
 #include <sstream>
 #include <thread>
@@ -211,6 +212,42 @@ TEST_F(ScreenGiveBack, TheGuardIsNoChildOfTheShowAndACrashWithoutItStillRestores
     const ShowResult result = finish();
     EXPECT_EQ(result.signal, SIGSEGV);
     EXPECT_EQ(server_->currentSize(), ORIGINAL);
+}
+
+TEST_F(ScreenGiveBack, WithTheStandardDescriptorsClosedRIsHarmlessAndEscapeGivesTheScreenBack) {
+    // As some launchers start a program: the X connection must not become
+    // standard output, where r would write into it.
+    closeStandardFiles_ = true;
+    startSwitched();
+    const std::string id = window(server_->display());
+    for (int press = 0; press < 3; ++press) {
+        key(id, "r", server_->display());
+    }
+    key(id, "Escape", server_->display());
+    EXPECT_EQ(finish().status, 0);
+    EXPECT_EQ(server_->currentSize(), ORIGINAL);
+}
+
+TEST_F(ShowProcess, TwoCtrlCsDuringAPngCaptureLeaveOnlyWholeFrames) {
+    for (int run = 0; run < 20; ++run) {
+        const std::string directory = dir_ + "/run" + std::to_string(run);
+        start({"--size", "1920x1080", "--nosound", "--capture", directory});
+        // Once the first frame is there the writer is busy with the next ones.
+        ASSERT_TRUE(within(60000, [&] { return access((directory + "/frame_00000.png").c_str(), F_OK) == 0; }));
+        kill(pid_, SIGINT);
+        // Apart, so that the first is taken before the second comes (two
+        // pending ones would be one).
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        kill(pid_, SIGINT);
+        EXPECT_EQ(finish().status, 130);
+        for (const auto& entry : std::filesystem::directory_iterator(directory)) {
+            const std::string name = entry.path().filename();
+            PngImage frame;
+            std::string error;
+            EXPECT_EQ(name.rfind("frame_", 0), 0u) << name;
+            EXPECT_TRUE(readPng(entry.path(), &frame, &error)) << "run " << run << ": " << error;
+        }
+    }
 }
 
 // Frames the verbose log says part `part` drew, or -1.
