@@ -29,13 +29,15 @@ int answerError(Display* display, XErrorEvent* error) {
 // freeglut's errors while glutInit runs: one that follows an answered X error
 // is about the request that failed; any other ends the process as freeglut would.
 void duringGlutInit(const char* format, va_list arguments) {
-    if (g_answeredErrors != g_errorsBeforeInit) {
-        return;
+    char text[256];
+    std::vsnprintf(text, sizeof text, format, arguments);
+    if (g_answeredErrors == g_errorsBeforeInit) {
+        std::fprintf(stderr, "freeglut (%s): %s\n", g_programName, text);
+        std::exit(1);
     }
-    std::fprintf(stderr, "freeglut (%s): ", g_programName);
-    std::vfprintf(stderr, format, arguments);
-    std::fprintf(stderr, "\n");
-    std::exit(1);
+    if (g_verbose) {
+        std::fprintf(stderr, "kaskade: freeglut:%s: let pass, the request failed with that X error\n", text);
+    }
 }
 
 }  // namespace
