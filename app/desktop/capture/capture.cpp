@@ -185,7 +185,6 @@ bool startCapture(const CaptureSettings& settings, std::string* error) {
         return false;
     }
     FrameWriter::Write write = writePngFrame;
-    g_capture.unfinished = settings.path + "/.frame.part";
     if (g_capture.video) {
         const VideoSettings video{settings.path,       settings.width,      settings.height, settings.fps,
                                   settings.soundtrack, settings.firstFrame, settings.crf};
@@ -193,12 +192,12 @@ bool startCapture(const CaptureSettings& settings, std::string* error) {
             return false;
         }
         write = writeVideoFrame;
+    } else {
+        g_capture.unfinished = settings.path + "/.frame.part";
+        setFileToRemoveOnExit(g_capture.unfinished.c_str());
     }
     const size_t frameBytes = static_cast<size_t>(settings.width) * settings.height * 4;
     g_capture.writer = std::make_unique<FrameWriter>(frameBytes, WRITER_SLOTS, write);
-    if (!g_capture.video) {
-        setFileToRemoveOnExit(g_capture.unfinished.c_str());
-    }
     g_capture.active = true;
     g_capture.started = std::chrono::steady_clock::now();
     return true;
