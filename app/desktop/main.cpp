@@ -10,7 +10,9 @@
 #include "app/desktop/options.h"
 #include "app/desktop/player/show_loop.h"
 #include "app/desktop/signals.h"
+#include "app/desktop/standard_descriptors.h"
 #include "app/desktop/display/window_placement.h"
+#include "app/desktop/x_errors.h"
 #include "app/part_log.h"
 #include "app/sequencer.h"
 #include "app/shell.h"
@@ -49,12 +51,12 @@ void startFixedStep(const ShowOptions& options, const std::string& soundtrack) {
     }
 }
 
-// The window: as large as --size makes it, within its monitor (a capture's own
-// frames are drawn offscreen, so its window only previews them, 640 pixels
-// wide), multisampled with --aa (refused when the display offers no such
-// visual). The fullscreen show opens on the primary monitor.
+// The window: as large as --size makes it, within the monitor it lands on (a
+// capture's own frames are drawn offscreen, so its window only previews them,
+// 640 pixels wide), multisampled with --aa (refused when the display offers no
+// such visual). The fullscreen show opens on the primary monitor.
 void openWindow(int* argc, char** argv, const ShowOptions& options) {
-    glutInit(argc, argv);
+    glutInitOnAnyDesktop(argc, argv);
     watchDisplayConnection();
     unsigned int mode = GLUT_RGB | GLUT_DOUBLE | GLUT_DEPTH;
     const bool capturing = !options.capturePath.empty();
@@ -75,10 +77,7 @@ void openWindow(int* argc, char** argv, const ShowOptions& options) {
         height = 640 * options.height / options.width;
         width = 640;
     } else if (!desktop.monitors.empty()) {
-        const std::string shrunk = fitWindowToMonitor(primaryMonitor(desktop.monitors), &width, &height);
-        if (!shrunk.empty()) {
-            std::fprintf(stderr, "kaskade: %s\n", shrunk.c_str());
-        }
+        fitWindowToMonitor(primaryMonitor(desktop.monitors), &width, &height);  // said once it has landed
     }
     // A window manager places a window itself; without one it would stand a
     // pixel off the screen's corner.
@@ -88,6 +87,13 @@ void openWindow(int* argc, char** argv, const ShowOptions& options) {
     }
     glutInitWindowSize(width, height);
     glutCreateWindow("kaskade [12]");
+    if (!capturing && !g_fullscreen && !options.desktop && !desktop.monitors.empty()) {
+        const std::string shrunk =
+            fitWindowWhereItLands(primaryMonitor(desktop.monitors), options.width, options.height);
+        if (!shrunk.empty()) {
+            std::fprintf(stderr, "kaskade: %s\n", shrunk.c_str());
+        }
+    }
 }
 
 // Fullscreen on one monitor: the primary one, switched to 640 x 480 where it
@@ -134,6 +140,7 @@ void chooseFrameTarget(const ShowOptions& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    openClosedStandardDescriptors();
     const ShowOptions options = parseShowOptions(argc, argv);
     if (options.help || options.version) {
         std::fputs(options.help ? showUsage() : showVersion(), stdout);

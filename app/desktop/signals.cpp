@@ -16,7 +16,9 @@ std::atomic<int> g_endSignal{0};      // the ending signal that started the end,
 std::atomic<int> g_laterSignal{0};    // one that came while the end was already under way
 std::atomic<bool> g_endPathRunning{false};
 std::atomic<pid_t> g_child{0};
-static_assert(std::atomic<int>::is_always_lock_free && std::atomic<pid_t>::is_always_lock_free);
+std::atomic<const char*> g_fileToRemove{nullptr};
+static_assert(std::atomic<int>::is_always_lock_free && std::atomic<pid_t>::is_always_lock_free &&
+              std::atomic<const char*>::is_always_lock_free);
 
 constexpr int ENDING_SIGNALS[] = {SIGINT, SIGTERM, SIGHUP};
 constexpr int CRASH_SIGNALS[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT};
@@ -26,6 +28,9 @@ constexpr unsigned CRASH_RESTORE_SECONDS = 2;
     const pid_t child = g_child.load();
     if (child > 0) {
         kill(child, SIGTERM);
+    }
+    if (const char* file = g_fileToRemove.load()) {
+        unlink(file);
     }
     _exit(128 + signal);
 }
@@ -88,6 +93,8 @@ void installCrashGiveBack() {
 void endPathStarted() { g_endPathRunning.store(true); }
 
 void setChildToStopOnExit(pid_t child) { g_child.store(child); }
+
+void setFileToRemoveOnExit(const char* path) { g_fileToRemove.store(path); }
 
 int endPathExitStatus() {
     const int signal = g_endSignal.load();

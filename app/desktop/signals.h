@@ -31,5 +31,9 @@ void endPathStarted();
 // once; 0 for none.
 void setChildToStopOnExit(pid_t child);
 
+// A file to remove when the process ends at once (a PNG frame being written
+// under its temporary name); null for none. `path` must outlive the setting.
+void setFileToRemoveOnExit(const char* path);
+
 // The exit status of the end path: 0, or 128 + the signal that ended the show.
 int endPathExitStatus();

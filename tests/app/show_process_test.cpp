@@ -179,6 +179,18 @@ TEST_F(ShowProcess, TheSwitchedScreenComesBackOnEveryWayOut) {
     EXPECT_EQ(finish().signal, SIGKILL);
     EXPECT_TRUE(sizeBecomes(original)) << "after SIGKILL: " << server.currentSize();
 
+    // As some launchers start a program, with descriptors 0 to 2 closed: the
+    // X connection must not become standard output, where r would write into it.
+    closeStandardFiles_ = true;
+    ASSERT_TRUE(startSwitched());
+    for (int press = 0; press < 3; ++press) {
+        key(window(server.display()), "r", server.display());
+    }
+    key(window(server.display()), "Escape", server.display());
+    EXPECT_EQ(finish().status, 0);
+    EXPECT_EQ(server.currentSize(), original) << "after Escape with the standard descriptors closed";
+    closeStandardFiles_ = false;
+
     // Each fatal report keeps its message and status, the screen back by the time the process has ended.
     std::remove((dir_ + "/3d").c_str());
     start({}, server.display());

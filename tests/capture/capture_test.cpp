@@ -14,6 +14,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 
 namespace {
@@ -200,6 +201,28 @@ TEST_F(Capture, OneCtrlCWhileTheEndPathFinishesTheFileLetsItFinish) {
     EXPECT_EQ(result.status, 0) << "Escape's way out, finished";
     EXPECT_TRUE(endsWithFrameRateLine(result.out)) << result.out;
     EXPECT_EQ(access((dir_ + "/slow.mp4").c_str(), F_OK), 0) << "the encoder was stopped before its end";
+}
+
+TEST_F(Capture, TwoCtrlCsDuringAPngCaptureLeaveOnlyWholeFrames) {
+    for (int run = 0; run < 20; ++run) {
+        const std::string directory = dir_ + "/run" + std::to_string(run);
+        start({"--size", "1920x1080", "--nosound", "--capture", directory});
+        // Once the first frame is there the writer is busy with the next ones.
+        ASSERT_TRUE(within(60000, [&] { return access((directory + "/frame_00000.png").c_str(), F_OK) == 0; }));
+        kill(pid_, SIGINT);
+        // Apart, so that the first is taken before the second comes (two
+        // pending ones would be one).
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        kill(pid_, SIGINT);
+        EXPECT_EQ(finish().status, 130);
+        for (const auto& entry : std::filesystem::directory_iterator(directory)) {
+            PngImage frame;
+            std::string error;
+            if (entry.path().filename().string().rfind("frame_", 0) == 0) {
+                EXPECT_TRUE(readPng(entry.path(), &frame, &error)) << "run " << run << ": " << error;
+            }
+        }
+    }
 }
 
 }  // namespace

@@ -96,24 +96,28 @@ bool takesClients(const std::string& display) {
     return x != nullptr;
 }
 
-bool windowManagerRuns(const std::string& display) {
+// A window manager redirects the root window's map requests; one that speaks
+// EWMH names its check window on the root window too.
+bool windowManagerRuns(const std::string& display, bool ewmh) {
     Display* x = XOpenDisplay(display.c_str());
     if (x == nullptr) {
         return false;
     }
+    XWindowAttributes root{};
+    XGetWindowAttributes(x, DefaultRootWindow(x), &root);
     Atom type = None;
     int format = 0;
     unsigned long count = 0;
     unsigned long after = 0;
     unsigned char* data = nullptr;
-    const bool found = XGetWindowProperty(x, DefaultRootWindow(x), XInternAtom(x, "_NET_SUPPORTING_WM_CHECK", False),
+    const bool named = XGetWindowProperty(x, DefaultRootWindow(x), XInternAtom(x, "_NET_SUPPORTING_WM_CHECK", False),
                                           0, 1, False, XA_WINDOW, &type, &format, &count, &after, &data) == Success &&
                        count == 1;
     if (data != nullptr) {
         XFree(data);
     }
     XCloseDisplay(x);
-    return found;
+    return (root.all_event_masks & SubstructureRedirectMask) != 0 && (named || !ewmh);
 }
 
 std::string fileText(const std::string& path) {
@@ -129,7 +133,8 @@ std::unique_ptr<DesktopRig> DesktopRig::start(Kind kind, const std::string& work
     std::unique_ptr<DesktopRig> rig(new DesktopRig);
     rig->kind_ = kind;
     rig->workDir_ = workDir;
-    const bool monitors = kind == Kind::TwoMonitors || kind == Kind::ThreeMonitors;
+    const bool monitors = kind == Kind::TwoMonitors || kind == Kind::ThreeMonitors || kind == Kind::TwoMonitorsOpenbox;
+    const bool openbox = kind == Kind::Openbox || kind == Kind::TwoMonitorsOpenbox;
     if (monitors && geteuid() != 0) {
         *whyNot = "the several-monitor desktop runs Xorg, which needs root";
         return nullptr;
@@ -138,8 +143,9 @@ std::unique_ptr<DesktopRig> DesktopRig::start(Kind kind, const std::string& work
         *whyNot = "the several-monitor desktop needs xserver-xorg-core, xserver-xorg-video-dummy and x11-xserver-utils";
         return nullptr;
     }
-    if (kind == Kind::Openbox && (!onPath("Xvfb") || !onPath("openbox"))) {
-        *whyNot = "the window-manager desktop needs xvfb and openbox";
+    if ((openbox && !onPath("openbox")) || (kind == Kind::Twm && !onPath("twm")) ||
+        ((kind == Kind::Openbox || kind == Kind::Twm) && !onPath("Xvfb"))) {
+        *whyNot = "the window-manager desktops need xvfb, openbox and twm";
         return nullptr;
     }
     if (kind == Kind::Xwayland && (!onPath("weston") || !onPath("Xwayland"))) {
@@ -191,11 +197,14 @@ std::unique_ptr<DesktopRig> DesktopRig::start(Kind kind, const std::string& work
         *whyNot = "the X server did not start (see " + workDir + ")";
         return nullptr;
     }
-    if (kind == Kind::Openbox) {
-        rig->servers_.push_back(spawn({"openbox", "--config-file", "/etc/xdg/openbox/rc.xml"},
-                                      {"DISPLAY=" + rig->display_}, workDir + "/openbox.out"));
-        if (!waitFor([&] { return windowManagerRuns(rig->display_); }, 10000)) {
-            *whyNot = "openbox did not start";
+    if (openbox || kind == Kind::Twm) {
+        const std::string config =
+            kind == Kind::Openbox ? "/etc/xdg/openbox/rc.xml" : testDataPath("rigs/openbox-mouse.xml");
+        rig->servers_.push_back(spawn(openbox ? std::vector<std::string>{"openbox", "--config-file", config}
+                                              : std::vector<std::string>{"twm"},
+                                      {"DISPLAY=" + rig->display_}, workDir + "/window-manager.out"));
+        if (!waitFor([&] { return windowManagerRuns(rig->display_, openbox); }, 10000)) {
+            *whyNot = "the window manager did not start";
             return nullptr;
         }
     }
@@ -209,10 +218,10 @@ std::unique_ptr<DesktopRig> DesktopRig::start(Kind kind, const std::string& work
 bool DesktopRig::layOut() const {
     const std::string xrandr = "DISPLAY=" + display_ + " xrandr ";
     std::string commands;
-    if (kind_ == Kind::TwoMonitors) {
+    if (kind_ == Kind::TwoMonitors || kind_ == Kind::TwoMonitorsOpenbox) {
         commands = xrandr + "--addmode DUMMY1 1280x1024_60.00 2>/dev/null; " + xrandr +
                    "--output DUMMY0 --primary --mode 1920x1080_75.00 --rate 75 --pos 0x0 --rotate normal "
-                   "--output DUMMY1 --mode 1280x1024_60.00 --pos 1920x0 --rotate normal";
+                   "--output DUMMY1 --mode 1280x1024_60.00 --pos 1920x0 --rotate normal --output DUMMY2 --off";
     } else if (kind_ == Kind::ThreeMonitors) {
         commands = xrandr + "--addmode DUMMY1 1280x1024_60.00 2>/dev/null; " + xrandr +
                    "--addmode DUMMY2 1024x768_75.00 2>/dev/null; " + xrandr +
@@ -223,6 +232,14 @@ bool DesktopRig::layOut() const {
         return true;
     }
     return std::system(commands.c_str()) == 0;
+}
+
+void DesktopRig::killWindowManager() {
+    if (servers_.size() > 1) {
+        kill(servers_.back(), SIGKILL);
+        waitpid(servers_.back(), nullptr, 0);
+        servers_.pop_back();
+    }
 }
 
 DesktopRig::~DesktopRig() {

@@ -19,6 +19,8 @@ public:
                         // 1920x1080 at 75 Hz at +2304+0
         Openbox,        // Xvfb 1280x1024 with openbox, decorations on
         Xwayland,       // weston 1280x1024, headless, with Xwayland
+        TwoMonitorsOpenbox,  // TwoMonitors with openbox placing new windows on the pointer's monitor
+        Twm,            // Xvfb 1280x1024 with twm: no EWMH, a title bar on every window
     };
 
     // Starts a rig in `workDir`; null and `whyNot` (e.g. "needs root") when it cannot.
@@ -32,6 +34,9 @@ public:
     // Sets the rig's monitors as they were at its start (a test that fails
     // half-way must not leave the next one a changed screen).
     bool layOut() const;
+    // Kills the window manager with SIGKILL, as a crash would: its check
+    // window is gone, the root window still names it.
+    void killWindowManager();
 
 private:
     DesktopRig() = default;

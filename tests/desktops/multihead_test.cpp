@@ -32,24 +32,6 @@ const char* nameOf(WayOut way) {
     return "?";
 }
 
-// The window's rectangle on the screen, "WxH+X+Y".
-std::string windowRectangle(const std::string& display, const std::string& id) {
-    Display* x = XOpenDisplay(display.c_str());
-    if (x == nullptr || id.empty()) {
-        return "";
-    }
-    XWindowAttributes attributes{};
-    int left = 0;
-    int top = 0;
-    Window child = 0;
-    const Window window = std::stoul(id);
-    XGetWindowAttributes(x, window, &attributes);
-    XTranslateCoordinates(x, window, DefaultRootWindow(x), 0, 0, &left, &top, &child);
-    XCloseDisplay(x);
-    return std::to_string(attributes.width) + "x" + std::to_string(attributes.height) + "+" + std::to_string(left) +
-           "+" + std::to_string(top);
-}
-
 class SeveralMonitors : public DesktopTest, public ::testing::WithParamInterface<DesktopRig::Kind> {
 protected:
     DesktopRig::Kind kind() const override { return GetParam(); }
@@ -142,5 +124,65 @@ INSTANTIATE_TEST_SUITE_P(Desktops, SeveralMonitors,
                          [](const ::testing::TestParamInfo<DesktopRig::Kind>& info) {
                              return info.param == DesktopRig::Kind::TwoMonitors ? "TwoMonitors" : "ThreeMonitors";
                          });
+
+// The person changes the layout during the show: whatever they changed stays
+// as they left it, and the show's monitor comes back at its mode, unless it
+// was the one they changed.
+class LayoutChangedDuringTheShow : public DesktopTest {
+protected:
+    DesktopRig::Kind kind() const override { return DesktopRig::Kind::TwoMonitors; }
+};
+
+TEST_F(LayoutChangedDuringTheShow, WhatThePersonChangedStaysAfterEscapeAndAfterSigkill) {
+    const struct {
+        const char* change;  // xrandr's arguments
+        const char* screen;  // the screen after the show
+        bool showsOwn;       // the show's monitor itself changed
+    } changes[] = {
+        {"--output DUMMY1 --pos 0x1080", "screen 1920x2104 primary DUMMY0", false},
+        {"--output DUMMY1 --off", "screen 1920x1080 primary DUMMY0", false},
+        {"--output DUMMY2 --mode 1024x768_75.00 --pos 3200x0", "screen 4224x1080 primary DUMMY0", false},
+        {"--output DUMMY0 --mode 800x600_60.00", "screen 3200x1024 primary DUMMY0", true},
+    };
+    const std::string display = rig_->display();
+    runCommand(onDisplay(display) + "xrandr --addmode DUMMY2 1024x768_75.00");
+    std::string notes;
+    for (const auto& change : changes) {
+        for (const WayOut way : {WayOut::Escape, WayOut::Kill}) {
+            SCOPED_TRACE(std::string(change.change) + ", then " + nameOf(way));
+            ASSERT_TRUE(rig_->layOut());
+            const CrtcTable before = readCrtcTable(display);
+            std::remove((dir_ + "/err.txt").c_str());
+            start({"--fullscreen", "--verbose"}, display);
+            // Once the show has seen its switch stand.
+            ASSERT_TRUE(within(10000, [&] {
+                return readTextFile(dir_ + "/err.txt").find("DUMMY0 switched from") != std::string::npos;
+            })) << readCrtcTable(display).text();
+            runCommand(onDisplay(display) + "xrandr " + change.change);
+            CrtcTable expected = readCrtcTable(display);
+            expected.screen = change.screen;
+            for (std::string& line : expected.crtcs) {
+                if (!change.showsOwn && line == expected.crtcOf("DUMMY0")) {
+                    line = before.crtcOf("DUMMY0");
+                }
+            }
+            if (way == WayOut::Escape) {
+                key(window(display), "Escape", display);
+            } else {
+                kill(pid_, SIGKILL);
+            }
+            const ShowResult result = finish();
+            within(2000, [&] { return readCrtcTable(display) == expected; });  // the guard, after SIGKILL
+            const CrtcTable after = readCrtcTable(display);
+            EXPECT_EQ(after.text(), expected.text()) << "before:\n" << before.text();
+            if (change.showsOwn && way == WayOut::Escape) {
+                EXPECT_NE(result.err.find("DUMMY0 was changed during the show"), std::string::npos) << result.err;
+            }
+            notes += std::string("== ") + change.change + ", then " + nameOf(way) + "\nbefore:\n" + before.text() +
+                     "after:\n" + after.text();
+        }
+    }
+    std::ofstream(artifactPath("layout-changed-during-the-show.txt")) << notes;
+}
 
 }  // namespace

@@ -101,6 +101,23 @@ std::vector<uint8_t> windowPixels(const std::string& display, const std::string&
     return rgb;
 }
 
+std::string windowRectangle(const std::string& display, const std::string& id) {
+    Display* x = XOpenDisplay(display.c_str());
+    if (x == nullptr || id.empty()) {
+        return "";
+    }
+    XWindowAttributes attributes{};
+    int left = 0;
+    int top = 0;
+    Window child = 0;
+    const Window window = std::stoul(id);
+    XGetWindowAttributes(x, window, &attributes);
+    XTranslateCoordinates(x, window, DefaultRootWindow(x), 0, 0, &left, &top, &child);
+    XCloseDisplay(x);
+    return std::to_string(attributes.width) + "x" + std::to_string(attributes.height) + "+" + std::to_string(left) +
+           "+" + std::to_string(top);
+}
+
 std::vector<uint8_t> windowContents(const std::string& display, const std::string& id, int* width, int* height) {
     std::vector<uint8_t> rgb;
     Display* x = XOpenDisplay(display.c_str());
@@ -170,7 +187,11 @@ void ShowProcess::start(const std::vector<std::string>& arguments, const std::st
         if (chdir(dir_.c_str()) != 0) {
             _exit(125);
         }
-        if (freopen("out.txt", "w", stdout) == nullptr || freopen("err.txt", "w", stderr) == nullptr) {
+        if (closeStandardFiles_) {
+            close(STDIN_FILENO);
+            close(STDOUT_FILENO);
+            close(STDERR_FILENO);
+        } else if (freopen("out.txt", "w", stdout) == nullptr || freopen("err.txt", "w", stderr) == nullptr) {
             _exit(125);
         }
         setenv("SDL_AUDIODRIVER", audioDriver, 1);

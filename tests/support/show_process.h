@@ -48,6 +48,9 @@ bool endsWithFrameRateLine(const std::string& out);
 // (width x height of them); pixels off the screen stay at 255, 0, 255.
 std::vector<uint8_t> windowPixels(const std::string& display, const std::string& id, int* width, int* height);
 
+// The window's rectangle on the screen, "WxH+X+Y"; "" when it cannot be read.
+std::string windowRectangle(const std::string& display, const std::string& id);
+
 // The window's own pixels as its X server holds them, red, green, blue (for a
 // server whose root window cannot be read, as Xwayland's); empty when it
 // cannot be read.
@@ -104,6 +107,7 @@ protected:
     std::string dir_;
     pid_t pid_ = -1;
     std::vector<std::string> environment_;  // NAME=value, added to the show's environment
+    bool closeStandardFiles_ = false;        // start the show with descriptors 0, 1 and 2 closed
 };
 
 // What the show says at start about the tests' 20-second soundtrack.

@@ -5,6 +5,7 @@
 #include "app/desktop/capture/frame_writer.h"
 #include "app/desktop/capture/png_file.h"
 #include "app/desktop/capture/video_encoder.h"
+#include "app/desktop/signals.h"
 #include "app/sequencer.h"
 #include "app/status_line.h"
 #include "parts/part_schedule.h"
@@ -40,6 +41,7 @@ struct Capture {
     float demoTime = 0.0f;       // of the last frame captured
     std::chrono::steady_clock::time_point started;
     std::chrono::steady_clock::time_point lastProgress;
+    std::string unfinished;  // where a PNG frame is written before it takes its name
     std::string failure;  // why the writer stopped, from its thread (under g_failureMutex)
     bool reported = false;  // the one line about a failure is out
 };
@@ -108,13 +110,20 @@ bool writeVideoFrame(const uint8_t* pixels, long) {
     return true;
 }
 
+// Written under a temporary name in the same directory, then renamed: a
+// frame_NNNNN.png is whole or absent, whatever ends the process (a second
+// ending signal removes the unfinished file).
 bool writePngFrame(const uint8_t* pixels, long frame) {
     const CaptureSettings& s = g_capture.settings;
     char name[32];
     std::snprintf(name, sizeof name, "/frame_%05ld.png", frame);
     std::string failure;
-    if (!writePng(s.path + name, s.width, s.height, 4, pixels, false, PNG_LEVEL, &failure)) {
+    if (!writePng(g_capture.unfinished, s.width, s.height, 4, pixels, false, PNG_LEVEL, &failure)) {
         noteFailure(failure);
+        return false;
+    }
+    if (std::rename(g_capture.unfinished.c_str(), (s.path + name).c_str()) != 0) {
+        noteFailure(s.path + name + ": cannot write PNG");
         return false;
     }
     return true;
@@ -183,6 +192,9 @@ bool startCapture(const CaptureSettings& settings, std::string* error) {
             return false;
         }
         write = writeVideoFrame;
+    } else {
+        g_capture.unfinished = settings.path + "/.frame.part";
+        setFileToRemoveOnExit(g_capture.unfinished.c_str());
     }
     const size_t frameBytes = static_cast<size_t>(settings.width) * settings.height * 4;
     g_capture.writer = std::make_unique<FrameWriter>(frameBytes, WRITER_SLOTS, write);
@@ -222,6 +234,7 @@ bool finishCapture() {
     g_capture.active = false;
     bool ok = g_capture.writer->finish();
     g_capture.writer.reset();
+    setFileToRemoveOnExit(nullptr);
     printProgress(g_capture.demoTime, true);
     endProgressLine();
     if (!ok) {

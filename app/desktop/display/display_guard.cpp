@@ -1,5 +1,7 @@
 #include "app/desktop/display/display_guard.h"
 
+#include "app/part_log.h"
+
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
@@ -8,6 +10,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 
 namespace {
 
@@ -26,16 +29,21 @@ volatile int g_replies = -1;
 constexpr int ENDING_SIGNALS[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
 constexpr int CRASH_SIGNALS[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT};
 
-// Sets the saved layout back through a connection of the guard's own.
-void restore(const ScreenLayout& original) {
+// Gives the show's CRTC back through a connection of the guard's own, by the
+// show's rule, and says why not as the show would.
+void restore(const TakenCrtc& taken) {
     if (Display* display = XOpenDisplay(nullptr)) {
-        setScreenLayout(display, original);
+        std::string why;
+        giveBackCrtc(display, taken, &why);
+        if (g_verbose && !why.empty()) {
+            std::fprintf(stderr, "kaskade: %s\n", why.c_str());
+        }
         XCloseDisplay(display);
     }
 }
 
 // The guard's side: waits for commands until the pipe closes.
-[[noreturn]] void guard(const ScreenLayout& original, int commands, int replies) {
+[[noreturn]] void guard(const TakenCrtc& taken, int commands, int replies) {
     for (;;) {
         char command = 0;
         const ssize_t got = read(commands, &command, 1);
@@ -45,7 +53,7 @@ void restore(const ScreenLayout& original) {
         if (got == 1 && command == RELEASE) {
             _exit(0);
         }
-        restore(original);
+        restore(taken);
         if (got == 1 && command == RESTORE_NOW) {
             const ssize_t written = write(replies, &RESTORED, 1);
             (void)written;
@@ -56,7 +64,7 @@ void restore(const ScreenLayout& original) {
 }
 
 // In the new process: out of the terminal's reach, holding only its two pipe ends.
-[[noreturn]] void becomeGuard(const ScreenLayout& original, int commands, int replies) {
+[[noreturn]] void becomeGuard(const TakenCrtc& taken, int commands, int replies) {
     setpgid(0, 0);
     // Its own name: `killall kaskade` (even -9) must not take the guard with the show.
     prctl(PR_SET_NAME, "kaskade-guard");
@@ -82,13 +90,13 @@ void restore(const ScreenLayout& original) {
     dup2(repliesHigh, 4);
     // Everything else goes, the show's X connection included.
     closefrom(5);
-    guard(original, 3, 4);
+    guard(taken, 3, 4);
 }
 
 // Forks the guard through a short-lived middle process, so that the guard is
 // init's child, not the show's. The ending signals stay blocked from before
 // the fork until the guard ignores them. The guard's pid, or -1.
-bool forkGuard(const ScreenLayout& original, int commands, int replies) {
+bool forkGuard(const TakenCrtc& taken, int commands, int replies) {
     sigset_t ending;
     sigset_t before;
     sigemptyset(&ending);
@@ -100,7 +108,7 @@ bool forkGuard(const ScreenLayout& original, int commands, int replies) {
     if (middle == 0) {
         const pid_t guardPid = fork();
         if (guardPid == 0) {
-            becomeGuard(original, commands, replies);
+            becomeGuard(taken, commands, replies);
         }
         _exit(guardPid > 0 ? 0 : 1);
     }
@@ -116,7 +124,7 @@ bool forkGuard(const ScreenLayout& original, int commands, int replies) {
 
 }  // namespace
 
-bool startDisplayGuard(const ScreenLayout& original) {
+bool startDisplayGuard(const TakenCrtc& taken) {
     int commands[2];
     int replies[2];
     if (pipe2(commands, O_CLOEXEC) != 0) {
@@ -127,7 +135,7 @@ bool startDisplayGuard(const ScreenLayout& original) {
         close(commands[1]);
         return false;
     }
-    const bool started = forkGuard(original, commands[0], replies[1]);
+    const bool started = forkGuard(taken, commands[0], replies[1]);
     close(commands[0]);
     close(replies[1]);
     if (!started) {

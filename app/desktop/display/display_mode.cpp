@@ -1,6 +1,7 @@
 #include "app/desktop/display/display_mode.h"
 
 #include "app/desktop/display/display_guard.h"
+#include "app/desktop/display/taken_crtc.h"
 #include "app/part_log.h"
 
 #include <GL/glx.h>
@@ -16,7 +17,7 @@ struct Switched {
     bool connectionLost = false;
     Display* display = nullptr;
     bool ownConnection = false;  // opened here, not the window's
-    ScreenLayout original;
+    TakenCrtc taken;
 };
 Switched g_switched;
 
@@ -93,11 +94,23 @@ bool isXwayland(Display* display, const Monitor& monitor) {
     return monitor.name.rfind("XWAYLAND", 0) == 0 || XQueryExtension(display, "XWAYLAND", &opcode, &event, &error);
 }
 
-// The switch itself, once the layout is saved. 0 when the monitor reads back
+// Gives the show's CRTC back (see giveBackCrtc) and lets the guard go once it
+// is; says why not with --verbose when `say`.
+void giveBack(Display* display, bool say) {
+    std::string why;
+    if (giveBackCrtc(display, g_switched.taken, &why)) {
+        displayGuardRelease();
+    }
+    if (say && !why.empty()) {
+        note(why);
+    }
+}
+
+// The switch itself, from the layout before it. 0 when the monitor reads back
 // at width x height.
-int switchMonitor(Display* display, const Monitor& monitor, int width, int height) {
+int switchMonitor(Display* display, const ScreenLayout& original, const Monitor& monitor, int width, int height) {
     XRRScreenResources* resources = XRRGetScreenResourcesCurrent(display, DefaultRootWindow(display));
-    const CrtcState* crtc = g_switched.original.find(monitor.crtc);
+    const CrtcState* crtc = original.find(monitor.crtc);
     if (resources == nullptr || crtc == nullptr) {
         if (resources != nullptr) {
             XRRFreeScreenResources(resources);
@@ -108,13 +121,14 @@ int switchMonitor(Display* display, const Monitor& monitor, int width, int heigh
     const RRMode wanted =
         findMode(display, resources, monitor.output, width, height, current != nullptr ? refreshOf(*current) : 60.0);
     const std::string was = describe(current);
+    g_switched.taken = TakenCrtc{*crtc, wanted, monitor.name};
     int result = -1;
     if (wanted == None) {
         note(monitor.name + " offers no " + std::to_string(width) + "x" + std::to_string(height) +
              " mode: the show runs at its " + was);
     } else if (current != nullptr && current->id == wanted) {
         note(monitor.name + " is already at " + was);
-    } else if (!startDisplayGuard(g_switched.original)) {
+    } else if (!startDisplayGuard(g_switched.taken)) {
         note("no guard process could be started: " + monitor.name + " stays at " + was);
     } else {
         const std::string now = describe(modeInfo(resources, wanted));
@@ -137,7 +151,10 @@ int switchMonitor(Display* display, const Monitor& monitor, int width, int heigh
                  " for the show's window, for a compositor that scales it");
         } else {
             note(monitor.name + " did not switch to " + now + ": the show runs at its " + was);
-            restoreDisplayMode();
+            if (g_switched.asked) {
+                g_switched.asked = false;
+                giveBack(display, false);
+            }
         }
     }
     if (!g_switched.asked) {
@@ -162,14 +179,15 @@ int setDisplayMode(int width, int height, int) {
     g_switched.display = display;
     g_switched.ownConnection = own;
     int result = -1;
-    if (!readScreenLayout(display, &g_switched.original)) {
+    ScreenLayout original;
+    if (!readScreenLayout(display, &original)) {
         note("the display has no RandR 1.2: the show runs at the screen's size");
     } else {
-        const std::vector<Monitor> monitors = monitorsOf(display, g_switched.original);
+        const std::vector<Monitor> monitors = monitorsOf(display, original);
         if (monitors.empty()) {
             note("the display has no lit monitor: the show runs at the screen's size");
         } else {
-            result = switchMonitor(display, primaryMonitor(monitors), width, height);
+            result = switchMonitor(display, original, primaryMonitor(monitors), width, height);
         }
     }
     // A connection of its own stays open while a switch stands: Xwayland ends
@@ -196,8 +214,8 @@ void restoreDisplayMode() {
     if (borrowed) {
         display = XOpenDisplay(nullptr);
     }
-    if (display != nullptr && setScreenLayout(display, g_switched.original)) {
-        displayGuardRelease();
+    if (display != nullptr) {
+        giveBack(display, true);
     }
     if (borrowed && display != nullptr) {
         XCloseDisplay(display);
@@ -213,7 +231,8 @@ void restoreDisplayModeAfterCrash() {
         return;
     }
     if (Display* display = XOpenDisplay(nullptr)) {
-        setScreenLayout(display, g_switched.original);
+        std::string why;
+        giveBackCrtc(display, g_switched.taken, &why);
         XCloseDisplay(display);
     }
 }

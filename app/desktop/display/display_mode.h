@@ -2,10 +2,11 @@
 // 1.2: only that monitor's CRTC changes; every other monitor, the screen's size
 // and the primary output stay as they are.
 //
-// The whole layout of the screen is saved before the switch and set back
-// exactly on every way out of the process: the end path and the fatal reports
-// restore it themselves; for a crash, a kill or a lost X connection a guard
-// process does (app/desktop/display/display_guard.h).
+// The CRTC as it was is saved before the switch and given back on every way
+// out of the process, by one rule (app/desktop/display/taken_crtc.h): only
+// that CRTC, and only while the show's mode still stands on it. The end path
+// and the fatal reports give it back themselves; for a crash, a kill or a lost
+// X connection a guard process does (app/desktop/display/display_guard.h).
 #pragma once
 
 #include "app/desktop/display/screen_layout.h"
@@ -22,12 +23,13 @@
 // which with --verbose.
 int setDisplayMode(int width, int height, int bitsPerPixel);
 
-// Sets the screen back to the layout saved by setDisplayMode and lets the
-// guard go; nothing when nothing was switched.
+// Gives the switched CRTC back and lets the guard go; nothing when nothing
+// was switched. Says with --verbose when the person changed that monitor
+// during the show and it is left as they made it.
 void restoreDisplayMode();
 
-// In a crash handler when no guard answered: the saved layout set back through
-// a new connection (the show's own may be stopped in the middle of a request).
+// In a crash handler when no guard answered: the CRTC given back through a
+// new connection (the show's own may be stopped in the middle of a request).
 // Not async-signal-safe: the caller bounds it with an alarm.
 void restoreDisplayModeAfterCrash();
 

@@ -12,12 +12,6 @@ int countError(Display*, XErrorEvent*) {
     return 0;
 }
 
-bool sameOutputs(std::vector<RROutput> a, std::vector<RROutput> b) {
-    std::sort(a.begin(), a.end());
-    std::sort(b.begin(), b.end());
-    return a == b;
-}
-
 bool readCrtc(Display* display, XRRScreenResources* resources, RRCrtc crtc, CrtcState* state) {
     XRRCrtcInfo* info = XRRGetCrtcInfo(display, resources, crtc);
     if (info == nullptr) {
@@ -35,11 +29,6 @@ bool readCrtc(Display* display, XRRScreenResources* resources, RRCrtc crtc, Crtc
     return true;
 }
 
-bool fitsIn(const CrtcState& state, int width, int height) {
-    return state.mode == None ||
-           (state.x + static_cast<int>(state.width) <= width && state.y + static_cast<int>(state.height) <= height);
-}
-
 long overlap(const Monitor& monitor, int x, int y, int width, int height) {
     const long across = std::min(monitor.x + monitor.width, x + width) - std::max(monitor.x, x);
     const long down = std::min(monitor.y + monitor.height, y + height) - std::max(monitor.y, y);
@@ -48,6 +37,12 @@ long overlap(const Monitor& monitor, int x, int y, int width, int height) {
 
 }  // namespace
 
+bool sameOutputs(std::vector<RROutput> a, std::vector<RROutput> b) {
+    std::sort(a.begin(), a.end());
+    std::sort(b.begin(), b.end());
+    return a == b;
+}
+
 bool CrtcState::operator==(const CrtcState& other) const {
     if (crtc != other.crtc || mode != other.mode) {
         return false;
@@ -55,10 +50,6 @@ bool CrtcState::operator==(const CrtcState& other) const {
     // An unlit CRTC's place and rotation mean nothing.
     return mode == None || (x == other.x && y == other.y && rotation == other.rotation &&
                             sameOutputs(outputs, other.outputs));
-}
-
-bool ScreenLayout::operator==(const ScreenLayout& other) const {
-    return width == other.width && height == other.height && primary == other.primary && crtcs == other.crtcs;
 }
 
 const CrtcState* ScreenLayout::find(RRCrtc crtc) const {
@@ -133,56 +124,6 @@ bool readScreenLayout(Display* display, ScreenLayout* layout) {
     }
     *layout = read;
     return true;
-}
-
-bool setScreenLayout(Display* display, const ScreenLayout& layout) {
-    ScreenLayout current;
-    if (!readScreenLayout(display, &current)) {
-        return false;
-    }
-    if (current == layout) {
-        return true;
-    }
-    {
-        XErrorTrap trap(display);
-        const Window root = DefaultRootWindow(display);
-        XRRScreenResources* resources = XRRGetScreenResourcesCurrent(display, root);
-        if (resources == nullptr) {
-            return false;
-        }
-        // Off first: CRTCs whose outputs change (an output drives one CRTC at a
-        // time) and those that would not fit the screen's size to come.
-        std::vector<RRCrtc> turnedOff;
-        for (const CrtcState& now : current.crtcs) {
-            const CrtcState* wanted = layout.find(now.crtc);
-            if (wanted == nullptr || now == *wanted || now.mode == None) {
-                continue;
-            }
-            if (!sameOutputs(now.outputs, wanted->outputs) || !fitsIn(now, layout.width, layout.height)) {
-                CrtcState off = now;
-                off.mode = None;
-                off.outputs.clear();
-                setCrtc(display, resources, off);
-                turnedOff.push_back(now.crtc);
-            }
-        }
-        if (current.width != layout.width || current.height != layout.height) {
-            XRRSetScreenSize(display, root, layout.width, layout.height, layout.widthMm, layout.heightMm);
-        }
-        for (const CrtcState& wanted : layout.crtcs) {
-            const CrtcState* now = current.find(wanted.crtc);
-            const bool off = std::find(turnedOff.begin(), turnedOff.end(), wanted.crtc) != turnedOff.end();
-            if (now == nullptr || *now != wanted || off) {
-                setCrtc(display, resources, wanted);
-            }
-        }
-        if (XRRGetOutputPrimary(display, root) != layout.primary) {
-            XRRSetOutputPrimary(display, root, layout.primary);
-        }
-        XRRFreeScreenResources(resources);
-    }
-    ScreenLayout after;
-    return readScreenLayout(display, &after) && after == layout;
 }
 
 std::vector<Monitor> monitorsOf(Display* display, const ScreenLayout& layout) {

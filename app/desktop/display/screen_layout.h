@@ -1,8 +1,6 @@
 // A screen's monitors in RandR 1.2's terms: the screen's size, and for every
 // CRTC its mode (which carries the refresh rate), position, rotation and
-// outputs, and the primary output. The show saves this whole layout before it
-// switches one monitor's mode, and sets it back exactly on every way out, so
-// that no other monitor, refresh rate or position is left changed.
+// outputs, and the primary output.
 //
 // Every call traps the X errors it causes (a layout can change under the show's
 // feet), so a failed request is a false result, never the X library's exit.
@@ -35,7 +33,6 @@ struct ScreenLayout {
     RROutput primary = 0;  // None when no output is primary
     std::vector<CrtcState> crtcs;
 
-    bool operator==(const ScreenLayout& other) const;
     // The state of `crtc`, or null when the screen has no such CRTC.
     const CrtcState* find(RRCrtc crtc) const;
 };
@@ -52,17 +49,14 @@ struct Monitor {
     bool primary = false;
 };
 
+// Whether two CRTCs drive the same outputs, in any order.
+bool sameOutputs(std::vector<RROutput> a, std::vector<RROutput> b);
+
 // True when the display speaks RandR 1.2 or later.
 bool hasRandr12(Display* display);
 
 // The layout of the default screen; false without RandR 1.2.
 bool readScreenLayout(Display* display, ScreenLayout* layout);
-
-// Sets the default screen to `layout`, changing only what differs: CRTCs that
-// must move their outputs or do not fit a new screen size are turned off
-// first, then the screen size, every CRTC and the primary output are set.
-// True when the screen reads back as `layout`.
-bool setScreenLayout(Display* display, const ScreenLayout& layout);
 
 // Sets one CRTC to `state`: its mode, place, rotation and outputs. True when
 // the server took it.

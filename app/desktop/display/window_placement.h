@@ -23,6 +23,14 @@ DesktopNow desktopNow();
 // else "".
 std::string fitWindowToMonitor(const Monitor& monitor, int* width, int* height);
 
+// Once the window is mapped: the monitor it landed on (the window manager's
+// choice; without one, the monitor of its position). Where that is not
+// `expected`, the one its size was fitted to before, the window is fitted
+// again from the asked `width` x `height`, once. Either way a window that
+// stands past its monitor's edge is moved onto it. Returns the note the show
+// prints when the window is smaller than asked, else "".
+std::string fitWindowWhereItLands(const Monitor& expected, int width, int height);
+
 // True when a window manager that takes _NET_WM_STATE_FULLSCREEN runs: one
 // whose _NET_SUPPORTING_WM_CHECK window exists and names itself, so that a
 // window manager that has gone away and left its properties does not count.
@@ -36,8 +44,10 @@ Monitor windowMonitor();
 Monitor showMonitorNow();
 
 // Makes the current GLUT window cover `monitor`: it is moved there and then
-// made fullscreen by the window manager where one runs (which covers the
-// monitor the window is on); else it is placed over the monitor's rectangle.
+// made fullscreen by the window manager where one offers that (which covers
+// the monitor the window is on); else it is placed over the monitor's
+// rectangle, undecorated through Motif's hints, and where the window manager
+// still frames it, out of the window manager's hands (said with --verbose).
 void coverMonitor(const Monitor& monitor);
 
 // The f key: fullscreen on the monitor the window is on, or (`on` false) back
