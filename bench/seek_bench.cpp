@@ -1,0 +1,106 @@
+// How long a seek takes on the desktop: from the request to the frame at the
+// new time drawn and finished, on the live clock with the soundtrack playing,
+// in the show's own 640 x 480 window, after every part was loaded once. Run
+// from a folder holding "3d" and "harbour.mp3", on a display (bench/seek-time
+// does both).
+//   seek_bench seek RUNS [nosnap]  RUNS times, a seek to every whole second of
+//                                  the show, each from a place half the show
+//                                  away (so that every one rebuilds): one line
+//                                  "seek SECONDS MS PART" each
+//   seek_bench back RUNS [nosnap]  RUNS times, paused at every whole second,
+//                                  one frame back: "back SECONDS MS PART"
+// `nosnap`: part 1 keeps no snapshots and goes on from its set-up. Last line:
+// "snapshots BYTES".
+#include "app/desktop/capture/frame_target.h"
+#include "app/desktop/options.h"
+#include "app/desktop/player/desktop_player.h"
+#include "app/player.h"
+#include "app/sequencer.h"
+#include "app/shell.h"
+#include "app/show_seek.h"
+#include "app/show_start.h"
+#include "audio/music.h"
+#include "parts/part_schedule.h"
+
+#include <GL/freeglut.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+
+namespace {
+
+constexpr int FRAMES_BEFORE = 3;  // frames played at the place sought from
+const int SHOW_SECONDS = static_cast<int>(SHOW_END_TIME / 10.0f);
+
+// Milliseconds from `ask` to the next frame drawn and finished.
+double timeFrame(const std::function<void()>& ask) {
+    const auto asked = std::chrono::steady_clock::now();
+    ask();
+    onFrame();
+    glFinish();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - asked).count() * 1000.0;
+}
+
+void playFrames(int frames) {
+    for (int i = 0; i < frames; ++i) {
+        onFrame();
+        glutMainLoopEvent();
+    }
+}
+
+void openShow(int* argc, char** argv) {
+    g_soundEnabled = true;
+    openMusic("harbour.mp3");
+    glutInit(argc, argv);
+    glutInitDisplayMode(GLUT_RGB | GLUT_DOUBLE | GLUT_DEPTH);
+    glutInitWindowSize(640, 480);
+    glutCreateWindow("kaskade [12]");
+    initGlState();
+    fitToWindow(640, 480);
+    ShowOptions options;
+    options.windowed = true;
+    installDesktopPlayer(options);
+    startShowAt(1, 0);
+    playFrames(FRAMES_BEFORE);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const bool seek = argc >= 2 && std::strcmp(argv[1], "seek") == 0;
+    const bool back = argc >= 2 && std::strcmp(argv[1], "back") == 0;
+    const int runs = argc >= 3 ? std::atoi(argv[2]) : 0;
+    if ((!seek && !back) || runs < 1 || argc > 4 || (argc == 4 && std::strcmp(argv[3], "nosnap") != 0)) {
+        std::fputs("usage: seek_bench seek|back RUNS [nosnap]\n", stderr);
+        return 2;
+    }
+    g_seekSnapshots = argc == 3;
+    openShow(&argc, argv);
+    // Every part loaded once, so that only the seeks are timed.
+    timeFrame([] { playerJumpTo(PART_COUNT); });
+    playFrames(FRAMES_BEFORE);
+    if (back) {
+        timeFrame([] { playerTogglePause(); });
+    }
+    for (int run = 0; run < runs; ++run) {
+    for (int second = 0; second <= SHOW_SECONDS; ++second) {
+        double ms = 0.0;
+        if (seek) {
+            timeFrame([second] { playerSeekTo((second + SHOW_SECONDS / 2) % SHOW_SECONDS); });
+            playFrames(FRAMES_BEFORE);
+            ms = timeFrame([second] { playerSeekTo(second); });
+            playFrames(FRAMES_BEFORE);
+        } else {
+            timeFrame([second] { playerSeekTo(second); });
+            ms = timeFrame([] { playerStepFrame(-1); });
+        }
+        std::printf("%s %d %.1f %d\n", seek ? "seek" : "back", second, ms, playerPart());
+        std::fflush(stdout);
+    }
+    }
+    std::printf("snapshots %zu\n", seekSnapshotBytes());
+    return 0;
+}
