@@ -105,9 +105,12 @@ public:
         g_partSteps[part - 1].setup();
         g_partCounter = 2 * part - 1;
     }
-    void draw(int32_t part, long tick, int rate) {
+    // `passed`: only the frame's changes to the part's state (g_framesPassed).
+    void draw(int32_t part, long tick, int rate, bool passed) {
         g_seekClockMillis = millisOf(tick, rate);
+        g_framesPassed = passed;
         g_partSteps[part - 1].draw();
+        g_framesPassed = false;
         if (partBuildsOnEveryFrame(part)) {
             keepSnapshotAt(g_seekClockMillis);
         }
@@ -176,7 +179,7 @@ void bringTo(uint32_t landing, int fixedStepFps, bool firstStart, void (*returnT
             restoreOpeningState(*snapshot);
         }
         for (long tick = first; tick < target; ++tick) {
-            unseen.draw(part, tick, rate);
+            unseen.draw(part, tick, rate, tick < target - SEEK_SETTLE_FRAMES);
         }
     }
     land(landing, target, fixedStepFps);

@@ -45,3 +45,7 @@ void finishPartFrame();
 // later part): their draw steps then run in full but their frames are neither
 // counted nor shown.
 extern bool g_framesUnseen;
+// Set while a seek passes the frames of a part that builds on every frame
+// (parts/opening_history.h) on its way to a later one: its draw step then
+// makes only that frame's changes to the part's state and draws nothing.
+extern bool g_framesPassed;
