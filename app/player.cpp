@@ -227,9 +227,6 @@ bool playerBeforeFrames() {
 bool playerHoldsNextPicture() { return g_player.pause == Pause::Due || g_player.pause == Pause::Landing; }
 
 void playerAfterFrames() {
-    if (g_playerEnabled) {
-        keepSeekSnapshot();
-    }
     if (g_player.pause == Pause::Due) {
         pauseMusic();
         pauseFrameCounter();

@@ -6,22 +6,13 @@
 #include "audio/clock.h"
 #include "audio/fixed_step_clock.h"
 #include "audio/music.h"
-#include "parts/opening_history.h"
 #include "parts/part_frame.h"
 #include "parts/part_schedule.h"
-#include "parts/part_state.h"
 
 #include <algorithm>
 #include <cmath>
-#include <iterator>
-#include <map>
-
-bool g_seekSnapshots = true;
 
 namespace {
-
-// Part 1's state after its frame at a reading, by that reading.
-std::map<uint32_t, OpeningState> g_snapshots;
 
 uint32_t millisOf(long tick, int rate) { return fixedStepMillisOf(tick, rate); }
 
@@ -40,34 +31,7 @@ long tickFrom(uint32_t millis, int rate) {
 // The reading of the frame on view: the demo time its draw step read.
 uint32_t onViewMillis() { return static_cast<uint32_t>(std::lround(std::max(0.0, g_demoTime * 100.0))); }
 
-void keepSnapshotAt(uint32_t millis) {
-    if (!g_seekSnapshots || g_testWorld == nullptr) {
-        return;
-    }
-    const auto after = g_snapshots.upper_bound(millis);
-    if (after != g_snapshots.begin() && std::prev(after)->first + SEEK_SNAPSHOT_EVERY_MS > millis) {
-        return;
-    }
-    g_snapshots[millis] = keepOpeningState();
-}
-
-// The snapshot nearest before tick `target` with a frame of the grid between
-// the two (that frame sets the GL state again); null when there is none.
-const OpeningState* snapshotBefore(long target, int rate, long* firstFrame) {
-    if (!g_seekSnapshots) {
-        return nullptr;
-    }
-    for (auto at = g_snapshots.lower_bound(millisOf(target, rate)); at != g_snapshots.begin();) {
-        --at;
-        *firstFrame = tickFrom(at->first + 1, rate);
-        if (*firstFrame < target) {
-            return &at->second;
-        }
-    }
-    return nullptr;
-}
-
-// While a seek draws frames unseen: the clock reads what the seek sets, from
+// While a seek runs frames unseen: the clock reads what the seek sets, from
 // the show's start, and (for part 1, whose beat reveals remember every frame)
 // the level is the song's at that reading.
 uint32_t g_seekClockMillis = 0;
@@ -111,9 +75,6 @@ public:
         g_framesPassed = passed;
         g_partSteps[part - 1].draw();
         g_framesPassed = false;
-        if (partBuildsOnEveryFrame(part)) {
-            keepSnapshotAt(g_seekClockMillis);
-        }
     }
 
 private:
@@ -133,50 +94,32 @@ void land(uint32_t landing, long target, int fixedStepFps) {
     }
 }
 
-// Where part `part`'s unseen frames begin, and from what state.
-enum class From { PartStart, OnView, Snapshot };
-
-// Brings the show to `landing` (already a landing), from the frame on view, a
-// snapshot or a rebuild, whichever is nearest. `firstStart`: nothing is set up
-// yet, the rebuild is drawn in full.
+// Brings the show to `landing` (already a landing): from the frame on view
+// when it is the same part's and earlier, else from a rebuild. `firstStart`:
+// nothing is set up yet, the rebuild is drawn in full.
 void bringTo(uint32_t landing, int fixedStepFps, bool firstStart, void (*returnToStartState)()) {
     const int rate = seekRate(fixedStepFps);
     const int32_t part = partAtMillis(landing, rate);
-    const long target = tickFrom(landing, rate);  // the first frame not drawn unseen
-    const bool everyFrame = partBuildsOnEveryFrame(part);
+    const long target = tickFrom(landing, rate);  // the first frame not run unseen
     const uint32_t onView = onViewMillis();
-    From from = From::PartStart;
-    long first = firstTickOfPart(part, rate);
-    if (!firstStart && g_partCounter == 2 * part - 1 && onView < landing) {
-        from = From::OnView;
-        first = tickFrom(onView + 1, rate);
-    }
-    long snapshotFirst = 0;
-    const OpeningState* snapshot = everyFrame ? snapshotBefore(target, rate, &snapshotFirst) : nullptr;
-    if (snapshot != nullptr && snapshotFirst > first) {
-        from = From::Snapshot;
-        first = snapshotFirst;
-    }
-    const bool rebuild = from == From::PartStart || (from == From::Snapshot && g_partCounter != 2 * part - 1);
-    if (rebuild) {
+    const bool goOn = !firstStart && g_partCounter == 2 * part - 1 && onView < landing;
+    long first = goOn ? tickFrom(onView + 1, rate) : firstTickOfPart(part, rate);
+    if (!goOn) {
         if (returnToStartState != nullptr) {
             returnToStartState();
         }
         rebuildShowAt(part, rate, !firstStart);
     }
+    const bool everyFrame = partBuildsOnEveryFrame(part);
     if (!everyFrame) {
         first = std::max(first, target - SEEK_SETTLE_FRAMES);
     }
     {
         UnseenFrames unseen(everyFrame);
-        // Part 1's first draw step sets it up; a jump leaves a part's set-up
-        // to the sequencer, and so does a seek that lands on its first frame.
-        const bool setUpNow = rebuild && (part > 1 ? first < target : from == From::Snapshot);
-        if (setUpNow) {
+        // Part 1's first draw step sets it up; a seek that lands on a part's
+        // first frame leaves its set-up to the sequencer, as a jump does.
+        if (!goOn && part > 1 && first < target) {
             unseen.setUp(part, firstTickOfPart(part, rate), rate);
-        }
-        if (from == From::Snapshot) {
-            restoreOpeningState(*snapshot);
         }
         for (long tick = first; tick < target; ++tick) {
             unseen.draw(part, tick, rate, tick < target - SEEK_SETTLE_FRAMES);
@@ -222,23 +165,4 @@ void seekShowTo(uint32_t millis, int fixedStepFps, void (*returnToStartState)())
 void startShowAtMillis(uint32_t millis, int fixedStepFps) {
     bringTo(seekLanding(millis, fixedStepFps), fixedStepFps, true, nullptr);
     startFrameCounter();
-}
-
-void keepSeekSnapshot() {
-    if (g_partCounter == 1) {
-        keepSnapshotAt(onViewMillis());
-    }
-}
-
-size_t seekSnapshotBytes() {
-    size_t bytes = 0;
-    for (const auto& [millis, state] : g_snapshots) {
-        const WorldState& scene = state.scene;
-        bytes += sizeof state + scene.cameras.size() * sizeof(WorldState::Eye) +
-                 scene.lights.size() * sizeof(WorldState::Lamp) +
-                 scene.meshes.size() * sizeof(WorldState::Placement) +
-                 scene.vertices.size() * sizeof(WorldState::Corner) + scene.faceNormals.size() * sizeof(Vector) +
-                 scene.materials.size() * sizeof(Material);
-    }
-    return bytes;
 }

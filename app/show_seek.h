@@ -2,15 +2,14 @@
 // start of a part.
 //
 // A part's frame follows from the demo time and from what the part built up
-// since its set-up (parts/opening_history.h): in part 1 every frame since
-// then, in the others the frame before. A seek rebuilds the show at the part
-// that holds the moment, as a jump does (show_start.h), and draws, unseen, the
-// frames the part needs before it: every frame of part 1 since its set-up, the
-// last SEEK_SETTLE_FRAMES of any other part. Those frames fall on a grid: the
-// fixed-step clock's ticks, or SEEK_LIVE_FPS a second on the live clock. A
-// seek forward within the part on view goes on from the frame on view, with no
-// rebuild; part 1 also goes on from the nearest snapshot of its state, kept
-// once a second as it is drawn, when that is nearer.
+// since its set-up (parts/part_frame.h): in part 1 every frame since then, in
+// the others the frame before. A seek rebuilds the show at the part that
+// holds the moment, as a jump does (show_start.h), then runs the part's frames
+// before the moment, on a grid (the fixed-step clock's ticks, or SEEK_LIVE_FPS
+// a second on the live clock): the last SEEK_SETTLE_FRAMES drawn unseen, and
+// in part 1 every one before those since its set-up passed through, only its
+// state changing (a few microseconds each). A seek forward within the part on
+// view goes on from the frame on view, with no rebuild.
 //
 // Times are clock readings in milliseconds since the show's start (the demo
 // time times 100). On the fixed-step clock a seek lands on a tick, and the
@@ -18,12 +17,10 @@
 // tick. On the live clock the music and the clock land at the time itself.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 
 constexpr int SEEK_LIVE_FPS = 60;
 constexpr long SEEK_SETTLE_FRAMES = 2;
-constexpr uint32_t SEEK_SNAPSHOT_EVERY_MS = 1000;
 
 // The grid's rate, frames per second: `fixedStepFps`, or SEEK_LIVE_FPS for 0.
 int seekRate(int fixedStepFps);
@@ -56,12 +53,3 @@ void seekShowTo(uint32_t millis, int fixedStepFps, void (*returnToStartState)())
 // as startShowAt, the earlier parts drawn in full, then the part's frames
 // before the moment unseen; the frame counter starts.
 void startShowAtMillis(uint32_t millis, int fixedStepFps);
-
-// After a main-loop pass: while part 1 plays, keeps a snapshot of its state,
-// one a second.
-void keepSeekSnapshot();
-
-// False (benchmarks) keeps no snapshots and uses none.
-extern bool g_seekSnapshots;
-// The bytes the kept snapshots hold.
-size_t seekSnapshotBytes();

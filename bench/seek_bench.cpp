@@ -3,21 +3,20 @@
 // in the show's own 640 x 480 window, after every part was loaded once. Run
 // from a folder holding "3d" and "harbour.mp3", on a display (bench/seek-time
 // does both).
-//   seek_bench seek RUNS [nosnap]  RUNS times, a seek to every whole second of
-//                                  the show, each from a place half the show
-//                                  away (so that every one rebuilds): one line
-//                                  "seek SECONDS MS PART" each
-//   seek_bench back RUNS [nosnap]  RUNS times, paused at every whole second,
-//                                  one frame back: "back SECONDS MS PART"
-// `nosnap`: part 1 keeps no snapshots and goes on from its set-up. Last line:
-// "snapshots BYTES".
+//   seek_bench seek RUNS  first the seek to the end of part 1, which decodes
+//                         the soundtrack's first 21 s for the levels its
+//                         frames passed react to: "first SECONDS MS PART";
+//                         then RUNS times a seek to every whole second of the
+//                         show, each from a place half the show away (so that
+//                         every one rebuilds): "seek SECONDS MS PART"
+//   seek_bench back RUNS  RUNS times, paused at every whole second, one frame
+//                         back: "back SECONDS MS PART"
 #include "app/desktop/capture/frame_target.h"
 #include "app/desktop/options.h"
 #include "app/desktop/player/desktop_player.h"
 #include "app/player.h"
 #include "app/sequencer.h"
 #include "app/shell.h"
-#include "app/show_seek.h"
 #include "app/show_start.h"
 #include "audio/music.h"
 #include "parts/part_schedule.h"
@@ -72,17 +71,21 @@ void openShow(int* argc, char** argv) {
 int main(int argc, char** argv) {
     const bool seek = argc >= 2 && std::strcmp(argv[1], "seek") == 0;
     const bool back = argc >= 2 && std::strcmp(argv[1], "back") == 0;
-    const int runs = argc >= 3 ? std::atoi(argv[2]) : 0;
-    if ((!seek && !back) || runs < 1 || argc > 4 || (argc == 4 && std::strcmp(argv[3], "nosnap") != 0)) {
-        std::fputs("usage: seek_bench seek|back RUNS [nosnap]\n", stderr);
+    const int runs = argc == 3 ? std::atoi(argv[2]) : 0;
+    if ((!seek && !back) || runs < 1) {
+        std::fputs("usage: seek_bench seek|back RUNS\n", stderr);
         return 2;
     }
-    g_seekSnapshots = argc == 3;
     openShow(&argc, argv);
     // Every part loaded once, so that only the seeks are timed.
     timeFrame([] { playerJumpTo(PART_COUNT); });
     playFrames(FRAMES_BEFORE);
-    if (back) {
+    if (seek) {
+        const double first = partEndTime(1) / 10.0 - 0.1;
+        const double ms = timeFrame([first] { playerSeekTo(first); });
+        std::printf("first %.1f %.1f %d\n", first, ms, playerPart());
+        playFrames(FRAMES_BEFORE);
+    } else {
         timeFrame([] { playerTogglePause(); });
     }
     for (int run = 0; run < runs; ++run) {
@@ -101,6 +104,5 @@ int main(int argc, char** argv) {
         std::fflush(stdout);
     }
     }
-    std::printf("snapshots %zu\n", seekSnapshotBytes());
     return 0;
 }
