@@ -138,6 +138,51 @@ TEST_F(Capture, EveryPartDrawsItsReferenceFramePlayedToOrStartedAt) {
     }
 }
 
+// How many of a PNG frame's pixels differ from those of `rgb` by more than a
+// conversion to a video's colours and back moves them.
+size_t differingPixels(const std::string& png, const std::vector<uint8_t>& rgb) {
+    PngImage image;
+    std::string error;
+    EXPECT_TRUE(readPng(png, &image, &error)) << error;
+    size_t differing = 0;
+    for (size_t pixel = 0; pixel * 3 < rgb.size() && pixel * image.channels < image.pixels.size(); ++pixel) {
+        int most = 0;
+        for (size_t c = 0; c < 3; ++c) {
+            most = std::max(most, std::abs(image.pixels[pixel * image.channels + c] - rgb[pixel * 3 + c]));
+        }
+        differing += most > 32 ? 1 : 0;
+    }
+    return differing;
+}
+
+TEST_F(Capture, AStretchFromAnyMomentIsAVideoAsLongAsAskedThatStartsWithTheShowsFrameThere) {
+    ASSERT_EQ(runShow("--fps 4 --duration 23 --capture " + quoted(dir_ + "/frames"), dir_ + "/frames.log"), 0);
+    const std::string video = dir_ + "/stretch.mp4";
+    // 22 s into the show, one into part 2; losslessly encoded, so that only
+    // the conversion to the video's colours changes its pixels.
+    ASSERT_EQ(runShow("--fps 4 --part 2 --start 1 --duration 2 --crf 0 --capture " + quoted(video), video + ".log"),
+              0)
+        << readFile(video + ".log");
+    const std::map<std::string, double> probe = probeVideo(video);
+    ASSERT_EQ(probe.count("audio duration"), 1u) << "no audio stream";
+    EXPECT_EQ(probe.at("video frames"), 8);
+    EXPECT_NEAR(probe.at("video duration"), 2.0, 0.01);
+    EXPECT_NEAR(probe.at("audio duration"), 2.0, 0.05);
+
+    std::vector<uint8_t> first(640 * 480 * 3);
+    FILE* pipe = popen(("ffmpeg -v error -i " + quoted(video) + " -frames:v 1 -f rawvideo -pix_fmt rgb24 -").c_str(), "r");
+    ASSERT_NE(pipe, nullptr);
+    const size_t got = std::fread(first.data(), 1, first.size(), pipe);
+    pclose(pipe);
+    ASSERT_EQ(got, first.size());
+    const size_t there = differingPixels(dir_ + "/frames" + frameName(88), first);
+    for (const int neighbour : {87, 89}) {
+        EXPECT_LT(there * 4, differingPixels(dir_ + "/frames" + frameName(neighbour), first))
+            << "the whole show's frame 88 (22 s) against its neighbour " << neighbour;
+    }
+    EXPECT_EQ(access((dir_ + "/frames" + frameName(92)).c_str(), F_OK), -1) << "23 s at 4 frames/s are frames 0 to 91";
+}
+
 TEST_F(Capture, CtrlCEndsAVideoCaptureWithAPlayableVideoOfTheFramesCaptured) {
     const std::string video = dir_ + "/cut.mp4";
     const pid_t pid = startShow({"--capture", video});
