@@ -1,5 +1,6 @@
 #include "app/show_seek.h"
 
+#include "app/part_log.h"
 #include "app/sequencer.h"
 #include "app/shell.h"
 #include "app/show_start.h"
@@ -10,6 +11,7 @@
 #include "parts/part_schedule.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 
 namespace {
@@ -163,6 +165,10 @@ void seekShowTo(uint32_t millis, int fixedStepFps, void (*returnToStartState)())
 }
 
 void startShowAtMillis(uint32_t millis, int fixedStepFps) {
-    bringTo(seekLanding(millis, fixedStepFps), fixedStepFps, true, nullptr);
+    const auto started = std::chrono::steady_clock::now();
+    const uint32_t landing = seekLanding(millis, fixedStepFps);
+    bringTo(landing, fixedStepFps, true, nullptr);
+    showSought(landing, std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count() * 1000.0);
+    // As for a show from the start, the frame rate counts from the first frame.
     startFrameCounter();
 }

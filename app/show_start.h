@@ -10,8 +10,8 @@
 
 #include <cstdint>
 
-// Called with true before the unseen frames of startShowAgainAt's rebuild and
-// with false after them, when set: as nothing of those frames is ever shown,
+// Called with true before the unseen frames of startShowAgainAt's rebuild (and
+// of a seek, show_seek.h) and with false after them, when set: as nothing of those frames is ever shown,
 // the platform may skip rasterizing them (their GL state changes still take
 // effect). A show's first start draws them in full, as it always has: the GL
 // meets every part's state before the first frame is shown.
