@@ -5,12 +5,14 @@
 // does both).
 //   seek_bench seek RUNS  first the seek to the end of part 1, which decodes
 //                         the soundtrack's first 21 s for the levels its
-//                         frames passed react to: "first SECONDS MS PART";
+//                         frames passed react to: "first SECONDS MS PART CPU_MS";
 //                         then RUNS times a seek to every whole second of the
 //                         show, each from a place half the show away (so that
-//                         every one rebuilds): "seek SECONDS MS PART"
+//                         every one rebuilds): "seek SECONDS MS PART CPU_MS"
 //   seek_bench back RUNS  RUNS times, paused at every whole second, one frame
-//                         back: "back SECONDS MS PART"
+//                         back: "back SECONDS MS PART CPU_MS"
+// MS is the wall time, CPU_MS what every thread of the process spent: on a
+// machine shared with other work, the wall time waits for them too.
 #include "app/desktop/capture/frame_target.h"
 #include "app/desktop/options.h"
 #include "app/desktop/player/desktop_player.h"
@@ -22,6 +24,7 @@
 #include "parts/part_schedule.h"
 
 #include <GL/freeglut.h>
+#include <time.h>
 
 #include <chrono>
 #include <cstdio>
@@ -34,13 +37,26 @@ namespace {
 constexpr int FRAMES_BEFORE = 3;  // frames played at the place sought from
 const int SHOW_SECONDS = static_cast<int>(SHOW_END_TIME / 10.0f);
 
-// Milliseconds from `ask` to the next frame drawn and finished.
-double timeFrame(const std::function<void()>& ask) {
+struct Spent {
+    double wall = 0.0;  // ms
+    double cpu = 0.0;   // ms of every thread of the process (llvmpipe's too)
+};
+
+double cpuMillis() {
+    timespec now{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) * 1000.0 + static_cast<double>(now.tv_nsec) / 1e6;
+}
+
+// From `ask` to the next frame drawn and finished.
+Spent timeFrame(const std::function<void()>& ask) {
     const auto asked = std::chrono::steady_clock::now();
+    const double cpu = cpuMillis();
     ask();
     onFrame();
     glFinish();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - asked).count() * 1000.0;
+    return {std::chrono::duration<double>(std::chrono::steady_clock::now() - asked).count() * 1000.0,
+            cpuMillis() - cpu};
 }
 
 void playFrames(int frames) {
@@ -82,27 +98,27 @@ int main(int argc, char** argv) {
     playFrames(FRAMES_BEFORE);
     if (seek) {
         const double first = partEndTime(1) / 10.0 - 0.1;
-        const double ms = timeFrame([first] { playerSeekTo(first); });
-        std::printf("first %.1f %.1f %d\n", first, ms, playerPart());
+        const Spent spent = timeFrame([first] { playerSeekTo(first); });
+        std::printf("first %.1f %.1f %d %.1f\n", first, spent.wall, playerPart(), spent.cpu);
         playFrames(FRAMES_BEFORE);
     } else {
         timeFrame([] { playerTogglePause(); });
     }
     for (int run = 0; run < runs; ++run) {
-    for (int second = 0; second <= SHOW_SECONDS; ++second) {
-        double ms = 0.0;
-        if (seek) {
-            timeFrame([second] { playerSeekTo((second + SHOW_SECONDS / 2) % SHOW_SECONDS); });
-            playFrames(FRAMES_BEFORE);
-            ms = timeFrame([second] { playerSeekTo(second); });
-            playFrames(FRAMES_BEFORE);
-        } else {
-            timeFrame([second] { playerSeekTo(second); });
-            ms = timeFrame([] { playerStepFrame(-1); });
+        for (int second = 0; second <= SHOW_SECONDS; ++second) {
+            Spent spent;
+            if (seek) {
+                timeFrame([second] { playerSeekTo((second + SHOW_SECONDS / 2) % SHOW_SECONDS); });
+                playFrames(FRAMES_BEFORE);
+                spent = timeFrame([second] { playerSeekTo(second); });
+                playFrames(FRAMES_BEFORE);
+            } else {
+                timeFrame([second] { playerSeekTo(second); });
+                spent = timeFrame([] { playerStepFrame(-1); });
+            }
+            std::printf("%s %d %.1f %d %.1f\n", seek ? "seek" : "back", second, spent.wall, playerPart(), spent.cpu);
+            std::fflush(stdout);
         }
-        std::printf("%s %d %.1f %d\n", seek ? "seek" : "back", second, ms, playerPart());
-        std::fflush(stdout);
-    }
     }
     return 0;
 }
