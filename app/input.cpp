@@ -24,6 +24,8 @@ void onKey(unsigned char key, int, int) {
     case '=': playerStepVolume(1); break;
     case '-': playerStepVolume(-1); break;
     case 'f': playerToggleFullscreen(); break;
+    case '.': playerStepFrame(1); break;
+    case ',': playerStepFrame(-1); break;
     default: break;
     }
 }
@@ -35,6 +37,10 @@ void onSpecialKey(int key, int, int) {
     case SPECIAL_KEY_LEFT:
     case SPECIAL_KEY_PAGE_UP: playerPartBack(); break;
     case SPECIAL_KEY_HOME: playerFirstPart(); break;
+    case SPECIAL_KEY_RIGHT + SPECIAL_KEY_SHIFT: playerSeekBy(PLAYER_SEEK_SHORT); break;
+    case SPECIAL_KEY_LEFT + SPECIAL_KEY_SHIFT: playerSeekBy(-PLAYER_SEEK_SHORT); break;
+    case SPECIAL_KEY_UP: playerSeekBy(PLAYER_SEEK_LONG); break;
+    case SPECIAL_KEY_DOWN: playerSeekBy(-PLAYER_SEEK_LONG); break;
     default: break;
     }
 }

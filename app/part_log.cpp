@@ -92,3 +92,9 @@ void showJumped(int32_t part, double milliseconds) {
         printLogLine("jump to part %d: rebuilt in %.1f ms", part, milliseconds);
     }
 }
+
+void showSought(uint32_t landing, double milliseconds) {
+    if (g_verbose) {
+        printLogLine("seek to demo time %.2f: done in %.1f ms", landing / 100.0, milliseconds);
+    }
+}

@@ -24,3 +24,5 @@ void showStartsOver();
 void showPaused();
 void showResumed();
 void showJumped(int32_t part, double milliseconds);
+// A seek to the clock reading `landing` (ms) was carried out in `milliseconds`.
+void showSought(uint32_t landing, double milliseconds);

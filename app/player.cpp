@@ -3,12 +3,16 @@
 #include "app/part_log.h"
 #include "app/sequencer.h"
 #include "app/shell.h"
+#include "app/show_seek.h"
 #include "app/show_start.h"
+#include "audio/fixed_step_clock.h"
 #include "audio/music.h"
 #include "parts/part_schedule.h"
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
+#include <cstdint>
 
 bool g_playerEnabled = true;
 PlayerPlatform g_playerPlatform{};
@@ -20,12 +24,13 @@ enum class Pause {
     Playing,
     Due,      // pauses after the frames of the next main-loop pass
     Paused,
-    Landing,  // paused, with a jump whose first frame is still to be drawn
+    Landing,  // paused, with a jump or seek whose frame is still to be drawn
 };
 
 struct Player {
     Pause pause = Pause::Playing;
     int32_t jumpTarget = 0;  // 0: no jump asked for
+    int64_t seekMillis = -1;  // -1: no seek asked for; else where to, a seekLanding
     bool muted = false;
     int volume = 100;
 };
@@ -36,14 +41,43 @@ bool acceptsCommands() { return g_playerEnabled && g_partCounter != PART_COUNTER
 
 void applyGain() { audioSetGain(playerGain(g_player.volume, g_player.muted)); }
 
+void landPaused() {
+    if (g_player.pause == Pause::Paused) {
+        g_player.pause = Pause::Landing;
+    }
+}
+
 void requestJump(int32_t target) {
     if (!acceptsCommands() || target < 1 || target > SCHEDULED_PARTS) {
         return;
     }
     g_player.jumpTarget = target;
-    if (g_player.pause == Pause::Paused) {
-        g_player.pause = Pause::Landing;
+    g_player.seekMillis = -1;
+    landPaused();
+}
+
+void requestSeek(double millis) {
+    if (!acceptsCommands() || std::isnan(millis)) {
+        return;
     }
+    const double inShow = std::clamp(millis, 0.0, static_cast<double>(UINT32_MAX));
+    g_player.seekMillis = seekLanding(static_cast<uint32_t>(std::llround(inShow)), g_playerFixedStepFps);
+    g_player.jumpTarget = 0;
+    landPaused();
+}
+
+// The clock reading (ms) on view, or where a pending request lands.
+uint32_t millisOnView() {
+    if (g_player.seekMillis >= 0) {
+        return static_cast<uint32_t>(g_player.seekMillis);
+    }
+    if (g_player.jumpTarget != 0) {
+        const int32_t part = g_player.jumpTarget;
+        return g_playerFixedStepFps != 0
+                   ? fixedStepMillisOf(firstTickOfPart(part, g_playerFixedStepFps), g_playerFixedStepFps)
+                   : static_cast<uint32_t>(std::lround(partStartTime(part) * 100.0));
+    }
+    return static_cast<uint32_t>(std::lround(std::max(0.0, g_demoTime * 100.0)));
 }
 
 void resume() {
@@ -61,6 +95,14 @@ void jump() {
     }
     startShowAgainAt(target, g_playerFixedStepFps);
     showJumped(target, std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count() * 1000.0);
+}
+
+void seek() {
+    const auto millis = static_cast<uint32_t>(g_player.seekMillis);
+    g_player.seekMillis = -1;
+    const auto started = std::chrono::steady_clock::now();
+    seekShowTo(millis, g_playerFixedStepFps, g_playerPlatform.returnToStartState);
+    showSought(millis, std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count() * 1000.0);
 }
 
 }  // namespace
@@ -89,14 +131,27 @@ void playerNextPart() {
 
 void playerPartBack() {
     const int32_t part = playerPart();
-    // A jump not yet carried out has played nothing of its part.
-    const float demoTime = g_player.jumpTarget != 0 ? partStartTime(part) : g_demoTime;
+    // A jump not yet carried out has played nothing of its part; a seek, up to where it lands.
+    float demoTime = g_player.jumpTarget != 0 ? partStartTime(part) : g_demoTime;
+    if (g_player.seekMillis >= 0) {
+        demoTime = static_cast<float>(g_player.seekMillis / 100.0);
+    }
     requestJump(partBackTarget(part, demoTime));
 }
 
 void playerFirstPart() { requestJump(1); }
 
 void playerJumpTo(int32_t part) { requestJump(part); }
+
+void playerSeekTo(double seconds) { requestSeek(seconds * 1000.0); }
+
+void playerSeekBy(double seconds) { requestSeek(millisOnView() + seconds * 1000.0); }
+
+void playerStepFrame(int frames) {
+    if (g_player.pause == Pause::Paused || g_player.pause == Pause::Landing) {
+        requestSeek(seekStepMillis(millisOnView(), frames, g_playerFixedStepFps));
+    }
+}
 
 void playerToggleMute() {
     if (acceptsCommands()) {
@@ -130,8 +185,13 @@ int32_t playerPart() {
     if (g_player.jumpTarget != 0) {
         return g_player.jumpTarget;
     }
+    if (g_player.seekMillis >= 0) {
+        return partAtMillis(static_cast<uint32_t>(g_player.seekMillis), seekRate(g_playerFixedStepFps));
+    }
     return std::clamp<int32_t>((g_partCounter + 1) / 2, 1, SCHEDULED_PARTS);
 }
+
+double playerSeconds() { return millisOnView() / 1000.0; }
 
 int32_t partBackTarget(int32_t part, float demoTime) {
     const float played = demoTime - partStartTime(part);
@@ -151,6 +211,9 @@ float playerGain(int volumePercent, bool muted) {
 bool playerBeforeFrames() {
     if (g_player.jumpTarget != 0) {
         jump();
+    }
+    if (g_player.seekMillis >= 0) {
+        seek();
     }
     if (g_player.pause == Pause::Paused) {
         if (g_playerPlatform.whilePaused != nullptr) {

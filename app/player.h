@@ -13,6 +13,11 @@
 // (show_start.h): every earlier part's state, the music at the part's place,
 // and on the fixed-step clock the frames that a `--part N` run at the same
 // rate draws. A jump while paused draws the part's first frame and stays paused.
+//
+// Seek: the show is brought to a moment of its demo time (show_seek.h), the
+// music and the clock there; on the fixed-step clock the frame drawn is the
+// frame a run from the start draws at that tick. A seek while paused draws
+// that frame and stays paused; so does a step of one frame forward or back.
 #pragma once
 
 #include <cstdint>
@@ -21,6 +26,8 @@
 // it rather than go to the part before.
 constexpr float PART_BACK_GRACE = 20.0f;
 constexpr int PLAYER_VOLUME_STEP = 10;  // percent per + or -
+constexpr double PLAYER_SEEK_SHORT = 5.0;  // seconds, Shift+Right and Shift+Left
+constexpr double PLAYER_SEEK_LONG = 30.0;  // seconds, Up and Down
 
 // False (a capture) makes every control below do nothing.
 extern bool g_playerEnabled;
@@ -41,6 +48,13 @@ void playerNextPart();   // the start of the next part; nothing on the last
 void playerPartBack();   // the start of this part, or of the one before within PART_BACK_GRACE
 void playerFirstPart();  // the start of the show
 void playerJumpTo(int32_t part);  // 1..13; anything else is ignored
+// A seek to `seconds` of demo time, or by `seconds` from the time on view
+// (playerSeconds); kept within the show: 0 up to its last frame.
+void playerSeekTo(double seconds);
+void playerSeekBy(double seconds);
+// While paused, the frame `frames` frames of the clock's grid away from the
+// one on view (1 the next, -1 the one before), paused again; playing, nothing.
+void playerStepFrame(int frames);
 void playerToggleMute();
 void playerStepVolume(int steps);  // PLAYER_VOLUME_STEP percent each, kept within 0..100
 void playerSetVolume(int percent);  // clamped to 0..100
@@ -50,8 +64,11 @@ void playerToggleFullscreen();
 bool playerPaused();  // paused, or pausing after the frame being drawn
 bool playerMuted();
 int playerVolume();  // percent, 0..100 (100 at start)
-// The part being played (1..13): the pending jump's target, else the sequencer's.
+// The part being played (1..13): the pending jump's or seek's target, else the sequencer's.
 int32_t playerPart();
+// The demo time on view, in seconds: where a pending seek or jump lands, else
+// the time of the frame last drawn.
+double playerSeconds();
 
 // --- The rules, for any part and time ---
 // The part that "back" goes to from `part` at demo time `demoTime`.

@@ -21,17 +21,23 @@ void initGlState();
 // state; r prints the demo time ("%f\n", tenths of a second). The player's
 // keys (app/player.h): Space pauses and resumes, m mutes, + (or =) and - set
 // the volume, f toggles fullscreen; Right or Page Down goes to the next part,
-// Left or Page Up back, Home to the start of the show.
+// Left or Page Up back, Home to the start of the show; Shift+Right and
+// Shift+Left seek 5 s forward and back, Up and Down 30 s; while paused, . and
+// , step one frame forward and back.
 void onKey(unsigned char key, int x, int y);
 void onSpecialKey(int key, int x, int y);
 void onMouse(int button, int state, int x, int y);
 
 // The special keys' codes, as GLUT gives them (the page passes the same).
 constexpr int SPECIAL_KEY_LEFT = 100;
+constexpr int SPECIAL_KEY_UP = 101;
 constexpr int SPECIAL_KEY_RIGHT = 102;
+constexpr int SPECIAL_KEY_DOWN = 103;
 constexpr int SPECIAL_KEY_PAGE_UP = 104;
 constexpr int SPECIAL_KEY_PAGE_DOWN = 105;
 constexpr int SPECIAL_KEY_HOME = 106;
+// Added to Left's or Right's code when Shift is held with it.
+constexpr int SPECIAL_KEY_SHIFT = 0x1000;
 // The window was closed (window manager's close button, Alt-F4): end like Escape.
 void onWindowClose();
 

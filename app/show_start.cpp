@@ -62,6 +62,24 @@ long firstTickOfPart(int32_t part, int rate) {
     return tick;
 }
 
+long lastTickOfPart(int32_t part, int rate) { return lastTickOf(part, rate, firstTickOfPart(part, rate)); }
+
+void rebuildShowAt(int32_t part, int rate, bool unseen) {
+    g_partCounter = 0;
+    g_partStart = 0.0f;
+    g_partTime = 0.0f;
+    if (part <= 1) {
+        return;
+    }
+    if (unseen && g_unseenFrames != nullptr) {
+        g_unseenFrames(true);
+    }
+    rebuildPartsBefore(part, rate);
+    if (unseen && g_unseenFrames != nullptr) {
+        g_unseenFrames(false);
+    }
+}
+
 namespace {
 
 // The music and the clock at part's place, once parts 1..part-1 are rebuilt.
@@ -90,18 +108,7 @@ void startShowAt(int32_t part, int fixedStepFps) {
 }
 
 void startShowAgainAt(int32_t part, int fixedStepFps) {
-    g_partCounter = 0;
-    g_partStart = 0.0f;
-    g_partTime = 0.0f;
-    if (part > 1) {
-        if (g_unseenFrames != nullptr) {
-            g_unseenFrames(true);
-        }
-        rebuildPartsBefore(part, fixedStepFps != 0 ? fixedStepFps : 1000);
-        if (g_unseenFrames != nullptr) {
-            g_unseenFrames(false);
-        }
-    }
+    rebuildShowAt(part, fixedStepFps != 0 ? fixedStepFps : 1000, true);
     startMusicForPart(part, fixedStepFps);
 }
 

@@ -10,8 +10,8 @@
 
 #include <cstdint>
 
-// Called with true before the unseen frames of startShowAgainAt's rebuild and
-// with false after them, when set: as nothing of those frames is ever shown,
+// Called with true before the unseen frames of startShowAgainAt's rebuild (and
+// of a seek, show_seek.h) and with false after them, when set: as nothing of those frames is ever shown,
 // the platform may skip rasterizing them (their GL state changes still take
 // effect). A show's first start draws them in full, as it always has: the GL
 // meets every part's state before the first frame is shown.
@@ -30,6 +30,17 @@ void startShowAt(int32_t part, int fixedStepFps);
 // frame of each earlier part is the first tick whose demo time is above its
 // end time, and the next part starts one tick later.
 long firstTickOfPart(int32_t part, int rate);
+// The tick of part `part`'s last frame (1..13) in such a show: the first
+// whose demo time is above its end time.
+long lastTickOfPart(int32_t part, int rate);
+
+// The sequencer at part's set-up (1..13), the part-local clock at 0, and
+// parts 1..part-1 rebuilt as startShowAt rebuilds them, their last frames at
+// the ticks of `rate` frames per second (the clock reads whole milliseconds:
+// 1000 puts each a millisecond past its end time). `unseen`: the show is
+// already running, its frames go through g_unseenFrames. The music and the
+// clock are left as they are; the GL state is the platform's to reset first.
+void rebuildShowAt(int32_t part, int rate, bool unseen);
 
 // The show, wherever it stands, is rebuilt at `part` (1..13) as
 // startShowAt(part, fixedStepFps) builds it: the sequencer at part's set-up,

@@ -64,6 +64,12 @@ void audioSetGain(float gain);
 // that names no channel.
 uint32_t audioChannelGetLevel(AudioHandle channel);
 
+// The level the channel's song has `songMillis` into it (the 20 ms before
+// that point; past its end the song loops), as audioChannelGetLevel reports it
+// once the channel has played there: what the frames a seek passes react to. The first call decodes the song from its file as far as asked, and
+// keeps it for later ones. 0xFFFFFFFF for a handle that names no channel.
+uint32_t audioChannelLevelAt(AudioHandle channel, uint32_t songMillis);
+
 // Closes the device and releases every channel.
 void audioFree();
 

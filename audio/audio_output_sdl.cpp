@@ -1,5 +1,6 @@
 #include "audio/audio_output.h"
 
+#include "audio/decoded_audio.h"
 #include "audio/level_meter.h"
 #include "audio/quiet_stderr.h"
 #include "audio/sound_source.h"
@@ -10,6 +11,7 @@
 #include <cmath>
 #include <cstring>
 #include <mutex>
+#include <string>
 
 namespace {
 
@@ -27,6 +29,17 @@ struct Channel {
     size_t historyNext = 0;
 };
 
+// A channel's song decoded from its file as far as audioChannelLevelAt asked
+// (the main thread's alone: the device thread never touches it).
+struct SongCopy {
+    std::string path;
+    bool module = false;
+    SoundSource* reader = nullptr;
+    DecodedAudio decoded;
+    bool complete = false;  // decoded to the song's end
+};
+SongCopy g_songCopies[MAX_CHANNELS];
+
 std::mutex g_mixerMutex;  // guards g_channels against the device thread
 Channel g_channels[MAX_CHANNELS];
 bool g_initialised = false;
@@ -40,7 +53,7 @@ Channel* channelFor(AudioHandle handle) {
     return &g_channels[handle - 1];
 }
 
-AudioHandle addChannel(SoundSource* source) {
+AudioHandle addChannel(SoundSource* source, const char* path, bool module) {
     if (source == nullptr) {
         return 0;
     }
@@ -49,6 +62,9 @@ AudioHandle addChannel(SoundSource* source) {
         if (g_channels[i].source == nullptr) {
             g_channels[i] = Channel{};
             g_channels[i].source = source;
+            g_songCopies[i] = SongCopy{};
+            g_songCopies[i].path = path;
+            g_songCopies[i].module = module;
             return static_cast<AudioHandle>(i + 1);
         }
     }
@@ -122,11 +138,11 @@ bool audioInit(int frequency) {
 void audioInitWithoutDevice() { g_initialised = true; }
 
 AudioHandle audioStreamCreateFile(const char* path) {
-    return g_initialised ? addChannel(openStreamSource(path)) : 0;
+    return g_initialised ? addChannel(openStreamSource(path), path, false) : 0;
 }
 
 AudioHandle audioMusicLoad(const char* path) {
-    return g_initialised ? addChannel(openModuleSource(path)) : 0;
+    return g_initialised ? addChannel(openModuleSource(path), path, true) : 0;
 }
 
 void audioChannelSetSync(AudioHandle handle, AudioSyncProc proc) {
@@ -198,6 +214,33 @@ uint32_t audioChannelGetLevel(AudioHandle handle) {
     return packedPeakLevel(channel->history, LEVEL_WINDOW_FRAMES);
 }
 
+uint32_t audioChannelLevelAt(AudioHandle handle, uint32_t songMillis) {
+    {
+        std::lock_guard<std::mutex> lock(g_mixerMutex);
+        if (channelFor(handle) == nullptr) {
+            return 0xFFFFFFFFu;
+        }
+    }
+    SongCopy& copy = g_songCopies[handle - 1];
+    if (copy.reader == nullptr && !copy.complete) {
+        copy.reader = copy.module ? openModuleSource(copy.path.c_str()) : openStreamSource(copy.path.c_str());
+        copy.complete = copy.reader == nullptr;
+    }
+    // The level window ends at the position: the song up to there.
+    const size_t needed =
+        std::max(LEVEL_WINDOW_FRAMES, static_cast<size_t>(static_cast<uint64_t>(songMillis) * OUTPUT_RATE / 1000));
+    constexpr size_t CHUNK_FRAMES = 4096;
+    while (!copy.complete && copy.decoded.frames() < needed) {
+        std::vector<int16_t>& samples = copy.decoded.samples;
+        const size_t before = samples.size();
+        samples.resize(before + CHUNK_FRAMES * 2);
+        const size_t got = readSource(*copy.reader, samples.data() + before, CHUNK_FRAMES);
+        samples.resize(before + got * 2);
+        copy.complete = got == 0;
+    }
+    return songLevelAt(copy.decoded, static_cast<int32_t>(songMillis));
+}
+
 void audioFree() {
     if (g_device != 0) {
         QuietStderr quiet;
@@ -209,6 +252,10 @@ void audioFree() {
     for (Channel& channel : g_channels) {
         closeSource(channel.source);
         channel = Channel{};
+    }
+    for (SongCopy& copy : g_songCopies) {
+        closeSource(copy.reader);
+        copy = SongCopy{};
     }
     g_gain = 1.0f;
     g_initialised = false;

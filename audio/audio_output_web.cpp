@@ -163,6 +163,11 @@ uint32_t audioChannelGetLevel(AudioHandle handle) {
     return songLevelAt(*channel->song, static_cast<int32_t>(position));
 }
 
+uint32_t audioChannelLevelAt(AudioHandle handle, uint32_t songMillis) {
+    const SongChannel* channel = channelFor(handle);
+    return channel != nullptr ? songLevelAt(*channel->song, static_cast<int32_t>(songMillis)) : 0xFFFFFFFFu;
+}
+
 void audioChannelPause(AudioHandle handle, bool paused) {
     if (channelFor(handle) != nullptr) {
         pageAudioPause(paused ? 1 : 0);

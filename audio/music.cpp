@@ -2,6 +2,7 @@
 
 #include "base/fatal.h"
 #include "audio/clock.h"
+#include "audio/decoded_audio.h"
 #include "audio/fixed_step_clock.h"
 
 float g_demoTime = 0.0f;
@@ -98,6 +99,13 @@ bool musicPaused() { return g_pause.paused; }
 uint32_t soundtrackMillis() { return audioChannelGetLength(g_stream != 0 ? g_stream : g_music); }
 
 float demoTimeOf(int32_t elapsedMillis) { return static_cast<float>(elapsedMillis * DEMO_TIME_SCALE); }
+
+uint32_t musicLevelAt(uint32_t songMillis) {
+    if (const DecodedAudio* song = fixedStepSoundtrack()) {
+        return songLevelAt(*song, static_cast<int32_t>(songMillis));
+    }
+    return audioChannelLevelAt(playingChannel(), songMillis);
+}
 
 void updateMusicClock() {
     const int32_t elapsed = static_cast<int32_t>(g_millisecondClock() - g_musicStartTick.load(std::memory_order_relaxed));

@@ -45,6 +45,10 @@ uint32_t soundtrackMillis();
 // The demo time `elapsedMillis` after the clock's zero: computed in double,
 // stored as float, as every frame's demo time is.
 float demoTimeOf(int32_t elapsedMillis);
+// The level the soundtrack has `songMillis` into the song, as the level source
+// reports it once the music has played there: from the fixed-step clock's
+// decoded soundtrack, else audioChannelLevelAt.
+uint32_t musicLevelAt(uint32_t songMillis);
 // Refreshes g_demoTime, g_levelLeft and g_levelRight.
 void updateMusicClock();
 // Frees the audio layer and stops the sound.

@@ -48,6 +48,23 @@ void setTurningMeshesTranslation(float y) {
     }
 }
 
+// Before the render: the turn, the reveal and the camera's height.
+void turnAndReveal() {
+    setTurningMeshesRotation(g_partTime);  // one degree per tenth of a second
+    revealOnBeat(*g_testWorld, g_levelLeft + g_levelRight, &g_revealIndex, &g_revealArmed);
+    g_testWorld->camera->position.y = static_cast<float>(std::sin(0.1 * g_partTime) * 80.0);
+}
+
+// After it: the logo's slide (returned) and the rise, each from its latch.
+float slideAndRise() {
+    const float offset = logoSlideOffset(g_demoTime, &g_logoSlideStart);
+    float riseY = 0.0f;
+    if (riseHeight(g_demoTime, &g_riseStart, &riseY)) {
+        setTurningMeshesTranslation(riseY);  // shows from the next frame's render
+    }
+    return offset;
+}
+
 }  // namespace
 
 void setupPart1() {
@@ -83,20 +100,21 @@ void drawPart1() {
         setupPart1();
         g_partCounter += 1;
     }
+    if (g_framesPassed) {
+        updatePartTime();
+        turnAndReveal();
+        slideAndRise();
+        endPartAfter(END_TIME);
+        return;
+    }
     clearPartFrame();
     updatePartTime();
-    setTurningMeshesRotation(g_partTime);  // one degree per tenth of a second
-    revealOnBeat(*g_testWorld, g_levelLeft + g_levelRight, &g_revealIndex, &g_revealArmed);
-    g_testWorld->camera->position.y = static_cast<float>(std::sin(0.1 * g_partTime) * 80.0);
+    turnAndReveal();
     enablePartFog(WHITE_FOG_COLOUR, FOG_DENSITY);
     g_testWorld->render();
     glDisable(GL_DEPTH_TEST);
 
-    const float offset = logoSlideOffset(g_demoTime, &g_logoSlideStart);
-    float riseY = 0.0f;
-    if (riseHeight(g_demoTime, &g_riseStart, &riseY)) {
-        setTurningMeshesTranslation(riseY);  // shows from the next frame's render
-    }
+    const float offset = slideAndRise();
     endPartAfter(END_TIME);
     resetModelView();
     drawOverlayAdd(g_logoTexture, static_cast<int>(170.0 + offset), 190, static_cast<int>(470.0 + offset), 290,

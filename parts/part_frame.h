@@ -45,3 +45,15 @@ void finishPartFrame();
 // later part): their draw steps then run in full but their frames are neither
 // counted nor shown.
 extern bool g_framesUnseen;
+
+// What a part's frames carry from one to the next. Every part's frame follows
+// from the demo time and from the frame before it (a camera or light moved
+// after the render shows in the next frame; the GL state it leaves), except
+// part 1's: its beat reveals count the loud frames heard since its set-up, and
+// the logo's slide and the meshes' rise start from the first frames past their
+// times. True for such a part (1).
+bool partBuildsOnEveryFrame(int32_t part);
+// Set while a seek passes the frames of such a part on its way to a later
+// one: its draw step then makes only that frame's changes to the part's state
+// (the clock read, the turn, the reveal, the latches) and draws nothing.
+extern bool g_framesPassed;

@@ -16,6 +16,7 @@
 #include "app/part_log.h"
 #include "app/sequencer.h"
 #include "app/shell.h"
+#include "app/show_seek.h"
 #include "app/show_start.h"
 #include "app/soundtrack_check.h"
 #include "audio/fixed_step_clock.h"
@@ -25,6 +26,8 @@
 
 #include <GL/freeglut.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -128,7 +131,13 @@ void chooseFrameTarget(const ShowOptions& options) {
         capture.height = options.height;
         capture.samples = options.samples;
         capture.soundtrack = options.noSound ? nullptr : fixedStepSoundtrack();
-        capture.firstFrame = firstTickOfPart(options.part, options.fps);
+        const int64_t start = showStartMillis(options);
+        capture.firstFrame =
+            start < 0 ? firstTickOfPart(options.part, options.fps)
+                      : seekTick(seekLanding(static_cast<uint32_t>(start), options.fps), options.fps);
+        if (options.durationMillis > 0) {
+            capture.frameLimit = std::max(1L, std::lround(options.durationMillis * options.fps / 1000.0));
+        }
         capture.crf = options.crf;
         std::string error;
         if (!startCapture(capture, &error)) {
@@ -188,7 +197,11 @@ int main(int argc, char** argv) {
         loopTheShow();
     }
     installDesktopPlayer(options);
-    startShowAt(options.part, options.fps);
+    if (const int64_t start = showStartMillis(options); start >= 0) {
+        startShowAtMillis(static_cast<uint32_t>(start), options.fps);
+    } else {
+        startShowAt(options.part, options.fps);
+    }
     // The rebuilt parts' unseen frames are never shown: the first frame
     // shown starts from black bars like every later one.
     prepareFrame();

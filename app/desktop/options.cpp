@@ -1,5 +1,6 @@
 #include "app/desktop/options.h"
 
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <optional>
@@ -45,6 +46,27 @@ std::optional<int> wholeNumber(const char* text, long low, long high) {
     return static_cast<int>(value);
 }
 
+// Seconds written as digits with at most one decimal point ("93.5"), as
+// whole milliseconds (rounded), up to `highMillis`; nothing otherwise.
+std::optional<int64_t> secondsAsMillis(const char* text, int64_t highMillis) {
+    bool point = false;
+    bool digit = false;
+    for (const char* c = text; *c != '\0'; ++c) {
+        if (*c == '.' && !point) {
+            point = true;
+        } else if (*c >= '0' && *c <= '9') {
+            digit = true;
+        } else {
+            return std::nullopt;
+        }
+    }
+    if (!digit || std::strlen(text) > 12) {
+        return std::nullopt;
+    }
+    const auto millis = static_cast<int64_t>(std::llround(std::strtod(text, nullptr) * 1000.0));
+    return millis <= highMillis ? std::optional<int64_t>(millis) : std::nullopt;
+}
+
 // A whole number from `low` (at least 1) to `high`, or 0.
 int parseWhole(const char* text, long low, long high) { return wholeNumber(text, low, high).value_or(0); }
 
@@ -77,6 +99,12 @@ std::string conflict(const ShowOptions& options) {
     }
     if (isVideoPath(options.capturePath) && (options.width % 2 != 0 || options.height % 2 != 0)) {
         return "a video needs an even width and height (--size)";
+    }
+    if (showStartMillis(options) > static_cast<int64_t>(SHOW_END_TIME) * 100) {
+        return "--start is past the show's end (226.9 s from its start)";
+    }
+    if (options.durationMillis > 0 && options.capturePath.empty()) {
+        return "--duration is how much a capture takes: it needs --capture";
     }
     if (options.crf >= 0 && !isVideoPath(options.capturePath)) {
         return "--crf sets a video's quality: it needs --capture with a .mp4, .mkv or .webm path";
@@ -115,6 +143,16 @@ ShowOptions parseShowOptions(int argc, char** argv) {
             if (options.part == 0) {
                 options.error = "--part needs a part number from 1 to 13";
             }
+        } else if (const char* start = optionValue(argc, argv, &i, "--start", &missing)) {
+            options.startMillis = secondsAsMillis(start, static_cast<int64_t>(SHOW_END_TIME) * 100).value_or(-1);
+            if (options.startMillis < 0) {
+                options.error = "--start needs seconds from 0 to 226.9, e.g. 93.5";
+            }
+        } else if (const char* duration = optionValue(argc, argv, &i, "--duration", &missing)) {
+            options.durationMillis = secondsAsMillis(duration, MAX_DURATION_MILLIS).value_or(0);
+            if (options.durationMillis <= 0) {
+                options.error = "--duration needs seconds above 0, e.g. 10";
+            }
         } else if (std::strcmp(argument, "--loop") == 0) {
             options.loop = true;
         } else if (const char* size = optionValue(argc, argv, &i, "--size", &missing)) {
@@ -150,10 +188,18 @@ ShowOptions parseShowOptions(int argc, char** argv) {
     return options;
 }
 
+int64_t showStartMillis(const ShowOptions& options) {
+    if (options.startMillis < 0) {
+        return -1;
+    }
+    return static_cast<int64_t>(std::lround(partStartTime(options.part) * 100.0)) + options.startMillis;
+}
+
 const char* showUsage() {
     return "usage: kaskade [--window] [--fullscreen] [--desktop] [--size WxH] [--aa N]\n"
            "               [--nosound] [--fps N] [--capture PATH] [--crf N] [--part N]\n"
-           "               [--loop] [--verbose] [--help] [--version]\n"
+           "               [--start SECONDS] [--duration SECONDS] [--loop] [--verbose]\n"
+           "               [--help] [--version]\n"
            "\n"
            "Plays the show from the archive \"3d\" and the soundtrack \"harbour.mp3\" in the\n"
            "working directory, else in share/kaskade beside the program's bin/, else in\n"
@@ -181,6 +227,10 @@ const char* showUsage() {
            "                  (0 to 51, or 63 for .webm; 17 unless given, 24 for .webm)\n"
            "  --part N        start at part N (1 to 13), the music and the clock at its\n"
            "                  place in the show, as if parts 1 to N-1 had played\n"
+           "  --start SECONDS start that far into the show (into part N with --part),\n"
+           "                  e.g. 93.5; with --fps, at the last frame at or before it\n"
+           "  --duration SECONDS\n"
+           "                  with --capture: capture that long a stretch of the show\n"
            "  --loop          after the last part, start over at part 1 until ended\n"
            "  --verbose       on standard error: where each data file was read from, and\n"
            "                  a line per part with its set-up time and frame rate\n"
@@ -193,6 +243,10 @@ const char* showUsage() {
            "  Left, PageUp    the start of this part, or of the one before within its\n"
            "                  first 2 seconds\n"
            "  Home            the start of the show\n"
+           "  Shift+Right, Shift+Left\n"
+           "                  5 seconds forward, back\n"
+           "  Up, Down        30 seconds forward, back\n"
+           "  . and ,         one frame forward, back, while paused\n"
            "  m               mute and unmute\n"
            "  + and -         louder and softer\n"
            "  f               fullscreen and back, for a window (the display is never\n"

@@ -67,4 +67,17 @@ TEST(ShowOptions, CrfSetsAVideoCapturesQualityAndNothingElse) {
     EXPECT_FALSE(parse({"--capture", "x.mp4", "--crf"}).error.empty());
 }
 
+TEST(ShowOptions, StartAndDurationInSecondsFromTheShowsOrThePartsStart) {
+    EXPECT_EQ(showStartMillis(parse({"--start", "93.5"})), 93500);
+    EXPECT_EQ(showStartMillis(parse({"--part", "9", "--start=20"})), 132700) << "part 9 starts at 112.7 s";
+    EXPECT_EQ(showStartMillis(parse({"--part", "9"})), -1) << "no --start";
+    EXPECT_EQ(parse({"--capture", "x.mkv", "--duration", "2.25"}).durationMillis, 2250);
+    for (const char* value : {"-1", "1e2", "226.95", "1.2.3", "x", ".", ""}) {
+        EXPECT_FALSE(parse({"--start", value}).error.empty()) << value;
+    }
+    EXPECT_FALSE(parse({"--part", "13", "--start", "40"}).error.empty()) << "past the show's end";
+    EXPECT_FALSE(parse({"--capture", "x.mkv", "--duration", "0"}).error.empty());
+    EXPECT_FALSE(parse({"--duration", "5"}).error.empty()) << "a duration is a capture's";
+}
+
 }  // namespace

@@ -181,6 +181,32 @@ TEST_F(Player, BackRestartsThePartOrGoesToTheOneBeforeWithinTwoSeconds) {
     frame();
 }
 
+TEST_F(Player, ASeekLandsTheLiveClockOnTheMomentWithinTheShow) {
+    startAt(3);
+    g_now += 1000;
+    frame();
+    playerSeekTo(100.025);  // between two frames of the grid
+    EXPECT_EQ(playerPart(), 8);
+    const Events sought = frame();
+    EXPECT_EQ(sought.front(), "start state");
+    EXPECT_EQ(Events(sought.end() - 4, sought.end()),
+              (Events{"setup 8", "draw 8 at 1000.0 unseen", "draw 8 at 1000.1 unseen", "draw 8 at 1000.2"}))
+        << "the frames before it on the grid of 60 a second, then the moment itself";
+    onKey('.', 0, 0);  // no step while playing
+    g_now += 500;
+    EXPECT_EQ(frame(), (Events{"draw 8 at 1005.2"})) << "the clock goes on from the moment";
+    key(SPECIAL_KEY_LEFT + SPECIAL_KEY_SHIFT);
+    EXPECT_EQ(frame().back(), "draw 7 at 955.25");
+    key(SPECIAL_KEY_DOWN);
+    key(SPECIAL_KEY_DOWN);
+    key(SPECIAL_KEY_DOWN);
+    EXPECT_EQ(frame().back(), "draw 1 at 55.250") << "presses before the next frame add up";
+    playerSeekBy(-100.0);
+    EXPECT_EQ(frame(), (Events{"start state", "setup 1", "draw 1 at 0.0000"}));
+    playerSeekTo(1000.0);
+    EXPECT_EQ(frame().back(), "draw 13 at 2269.0") << "the last frame before the show's end";
+}
+
 TEST_F(Player, TheRulesForAnyPartAndTime) {
     EXPECT_EQ(partBackTarget(7, 770.0f), 6);
     EXPECT_EQ(partBackTarget(7, 789.9f), 6);

@@ -1,18 +1,21 @@
 // The viewer's keys in a real show, seen from inside the process on the
-// fixed-step clock with the show's own content: the show played to the end of
-// part 12, then Home, and a second pass with keys pressed in it (back into
-// part 1 from part 2's first seconds, a pause, a jump from part 3 to part 4).
-// Every frame the second pass draws is, byte for byte, the frame the first
-// pass drew at the same tick: a jump lands on the frames a show started at
-// that part draws, and every part's state (part 1's reveals, part 12's room)
-// is rebuilt as it was.
+// fixed-step clock with the show's own content: the show played into part 13,
+// then Home, and a second pass with keys pressed in it (back into part 1 from
+// part 2's first seconds, a pause, a jump from part 3 to part 4), then seeks
+// into every part from everywhere. Every frame drawn after the first pass is,
+// byte for byte, the frame the first pass drew at the same tick: a jump lands
+// on the frames a show started at that part draws, a seek on the frame the
+// show draws at that tick, and every part's state (part 1's reveals, part
+// 12's room) is rebuilt as it was.
 #include "app/desktop/player/desktop_player.h"
 #include "app/desktop/options.h"
 #include "app/player.h"
 #include "app/sequencer.h"
 #include "app/shell.h"
+#include "app/show_seek.h"
 #include "app/show_start.h"
 #include "audio/fixed_step_clock.h"
+#include "parts/part_schedule.h"
 #include "tests/app/show_test_window.h"
 #include "tests/resources/gl_test_window.h"
 
@@ -43,9 +46,9 @@ int framesIntoPart(int32_t part) {
     return frames;
 }
 
-// Runs the main loop until part 13's first frame, calling `between` after every pass.
+// Runs the main loop until part 13's 80th frame, calling `between` after every pass.
 void playToPart13(const std::function<void()>& between) {
-    while (g_swapped.empty() || g_swapped.back().part != 13) {
+    while (framesIntoPart(13) < 80) {
         onFrame();
         between();
     }
@@ -110,6 +113,42 @@ TEST(ShowJumps, EveryFrameAfterAKeyIsTheFrameTheShowDrawsAtThatTick) {
         }
     });
     ASSERT_TRUE(wentBack && paused && jumped);
+
+    // Seeks, each asked for after two frames played at the last one's landing.
+    const auto to = [](double seconds) { return [seconds] { playerSeekTo(seconds); }; };
+    const auto special = [](int key) { return [key] { onSpecialKey(key, 0, 0); }; };
+    const auto key = [](unsigned char key) { return [key] { onKey(key, 0, 0); }; };
+    std::vector<std::pair<std::function<void()>, long>> seeks = {
+        {to(10.0), 40},                                         // into part 1 from part 13
+        {special(SPECIAL_KEY_RIGHT + SPECIAL_KEY_SHIFT), 62},  // on from the frame on view
+        {special(SPECIAL_KEY_LEFT + SPECIAL_KEY_SHIFT), 44},   // back within part 1
+        {special(SPECIAL_KEY_UP), 166},                         // into part 4
+        {special(SPECIAL_KEY_DOWN), 48},                        // back into part 1 from part 4
+        {to(static_cast<double>(firstTickOfPart(5, FPS)) / FPS), firstTickOfPart(5, FPS)},
+        {to(static_cast<double>(lastTickOfPart(6, FPS)) / FPS), lastTickOfPart(6, FPS)},
+    };
+    for (const int32_t part : {13, 2, 12, 3, 11, 4, 10, 5, 9, 6, 8, 7}) {
+        const double middle = (partStartTime(part) + partEndTime(part)) / 20.0;  // seconds
+        seeks.emplace_back(to(middle), static_cast<long>(middle * FPS));
+    }
+    const long pausedAt = seeks.back().second + 3;  // the frame drawn while pausing, then steps
+    for (const auto& [step, tick] : std::vector<std::pair<unsigned char, long>>{
+             {' ', pausedAt}, {',', pausedAt - 1}, {'.', pausedAt}, {'.', pausedAt + 1}}) {
+        seeks.emplace_back(key(step), tick);
+    }
+    seeks.emplace_back(to(5.0), 20);
+    seeks.emplace_back(key(','), 19);
+    seeks.emplace_back([] { onKey(' ', 0, 0); playerSeekTo(20.0); }, 80);
+    for (const auto& [ask, tick] : seeks) {
+        const size_t before = g_swapped.size();
+        ask();
+        for (int frame = 0; frame < 3; ++frame) {
+            onFrame();
+        }
+        ASSERT_GT(g_swapped.size(), before);
+        EXPECT_EQ(g_swapped[before].tick, tick) << "the frame after a seek, part " << g_swapped[before].part;
+        EXPECT_EQ(g_swapped.size() - before == 1, playerPaused()) << "tick " << tick;
+    }
     EXPECT_EQ(g_swapped[afterBack].tick, 0) << "back from part 2's first seconds is the show's start";
     EXPECT_EQ(g_swapped[afterJump].tick, firstTickOfPart(4, FPS)) << "part 4's first frame";
     EXPECT_EQ(g_swapped[afterJump].part, 4);

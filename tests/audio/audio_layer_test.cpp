@@ -1,5 +1,6 @@
 // The audio layer under the music: which files open as what, gapless looping
-// with an end sync per loop, modules, and the 20 ms peak level.
+// with an end sync per loop, modules, and the 20 ms peak level, as played and
+// anywhere in the song.
 #include "audio/audio_output.h"
 #include "audio/level_meter.h"
 #include "audio/pcm_decoder.h"
@@ -158,6 +159,12 @@ TEST_F(AudioLayer, LevelFollowsTheLastTwentyMillisecondsPerChannel) {
     const uint32_t quiet = audioChannelGetLevel(stream);
     EXPECT_LE(quiet & 0xFFFF, 1u);
     EXPECT_LE(quiet >> 16, 1u);
+
+    // The same levels, read at those places of the song (and past its end) without playing it.
+    EXPECT_EQ(audioChannelLevelAt(stream, 400), loud);
+    EXPECT_EQ(audioChannelLevelAt(stream, 1900), quiet);
+    EXPECT_EQ(audioChannelLevelAt(stream, 1400), loud);
+    EXPECT_EQ(audioChannelLevelAt(0, 400), 0xFFFFFFFFu);
 }
 
 TEST_F(AudioLayer, APausedChannelGoesOnWhereItStoppedAndItsLevelStands) {

@@ -13,6 +13,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -39,6 +40,48 @@ TEST_F(Capture, AVideoHasItsSizeAndRateAndTheSoundOfItsStretchOfTheShow) {
     EXPECT_NEAR(probe["video frames"], 103, 1);
     EXPECT_NEAR(probe["video duration"], 103 / 3.0, 0.4);
     EXPECT_NEAR(probe["audio duration"], probe["video duration"], 1.0 / 3.0);
+}
+
+// How many of a PNG frame's pixels differ from those of `rgb` by more than a
+// conversion to a video's colours and back moves them.
+size_t differingPixels(const std::string& png, const std::vector<uint8_t>& rgb) {
+    const PngImage image = loadPng(png);
+    size_t differing = 0;
+    for (size_t pixel = 0; pixel * 3 < rgb.size() && pixel * image.channels < image.pixels.size(); ++pixel) {
+        int most = 0;
+        for (size_t c = 0; c < 3; ++c) {
+            most = std::max(most, std::abs(image.pixels[pixel * image.channels + c] - rgb[pixel * 3 + c]));
+        }
+        differing += most > 32 ? 1 : 0;
+    }
+    return differing;
+}
+
+TEST_F(Capture, AStretchFromAnyMomentIsAVideoAsLongAsAskedThatStartsWithTheShowsFrameThere) {
+    useShowSoundtrack();
+    ASSERT_EQ(run({"--fps", "4", "--duration", "23", "--capture", "frames"}).status, 0);
+    EXPECT_EQ(access((dir_ + "/frames" + frameName(92)).c_str(), F_OK), -1) << "23 s at 4 frames/s are frames 0 to 91";
+    // 22 s into the show, one into part 2; losslessly encoded, so that only
+    // the conversion to the video's colours changes its pixels.
+    const ShowResult result =
+        run({"--fps", "4", "--part", "2", "--start", "1", "--duration", "2", "--crf", "0", "--capture", "stretch.mp4"});
+    ASSERT_EQ(result.status, 0) << result.err;
+    const std::string video = dir_ + "/stretch.mp4";
+    const std::map<std::string, double> probe = probeVideo(video);
+    ASSERT_EQ(probe.count("audio duration"), 1u) << "no audio stream";
+    EXPECT_EQ(probe.at("video frames"), 8);
+    EXPECT_NEAR(probe.at("video duration"), 2.0, 0.01);
+    EXPECT_NEAR(probe.at("audio duration"), 2.0, 0.05);
+
+    std::vector<uint8_t> first(640 * 480 * 3);
+    const std::string decoded = runCommand("ffmpeg -v error -i '" + video + "' -frames:v 1 -f rawvideo -pix_fmt rgb24 -");
+    ASSERT_EQ(decoded.size(), first.size());
+    first.assign(decoded.begin(), decoded.end());
+    const size_t there = differingPixels(dir_ + "/frames" + frameName(88), first);
+    for (const int neighbour : {87, 89}) {
+        EXPECT_LT(there * 4, differingPixels(dir_ + "/frames" + frameName(neighbour), first))
+            << "the whole show's frame 88 (22 s) against its neighbour " << neighbour;
+    }
 }
 
 TEST_F(Capture, TheRateFactorTradesTheVideosBytesForSharpnessAndAVideoNeedsFfmpeg) {

@@ -206,7 +206,9 @@ bool startCapture(const CaptureSettings& settings, std::string* error) {
 bool captureActive() { return g_capture.active; }
 
 void captureFrame(float demoTime) {
-    if (!g_capture.active) {
+    const long limit = g_capture.settings.frameLimit;
+    // The show ends at the next frame; one the same pass draws is not taken.
+    if (!g_capture.active || (limit > 0 && g_capture.frames >= limit)) {
         return;
     }
     uint8_t* slot = g_capture.writer->freeSlot();
@@ -223,6 +225,9 @@ void captureFrame(float demoTime) {
         reportFailure("the frames could not be written");
         g_endRequested = true;
         return;
+    }
+    if (g_capture.frames == limit) {
+        g_endRequested = true;
     }
     printProgress(demoTime, false);
 }

@@ -18,6 +18,7 @@ struct CaptureSettings {
     const DecodedAudio* soundtrack = nullptr;  // null: a silent video
     long firstFrame = 0;                    // the show's frame number of the capture's frame 0
     int crf = -1;                           // a video's constant rate factor; -1: the encoder's default
+    long frameLimit = 0;                    // frames to capture before the show ends; 0: all to its end
 };
 
 // Whether the capture can be made at all (a video needs ffmpeg, frames a

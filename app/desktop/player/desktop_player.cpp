@@ -46,6 +46,12 @@ void rasterizeUnseenFrames(bool begin) {
     }
 }
 
+// Shift with Left or Right seeks instead of going to another part.
+void onDesktopSpecialKey(int key, int x, int y) {
+    const bool arrow = key == SPECIAL_KEY_LEFT || key == SPECIAL_KEY_RIGHT;
+    onSpecialKey(arrow && (glutGetModifiers() & GLUT_ACTIVE_SHIFT) != 0 ? key + SPECIAL_KEY_SHIFT : key, x, y);
+}
+
 // A display switched to 640 x 480 for the show stays so: f is for a window.
 void toggleFullscreen() {
     if (g_fullscreen) {
@@ -70,6 +76,6 @@ void installDesktopPlayer(const ShowOptions& options) {
     g_playerPlatform.returnToStartState = returnToGlStartState;
     g_playerPlatform.whilePaused = whilePaused;
     g_playerPlatform.toggleFullscreen = toggleFullscreen;
-    glutSpecialFunc(onSpecialKey);
+    glutSpecialFunc(onDesktopSpecialKey);
     glutDisplayFunc(onDisplay);
 }
