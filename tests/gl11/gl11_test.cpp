@@ -8,7 +8,7 @@
 #include "gl11/faults.h"
 #include "gl11/gl11_platform.h"
 #include "tests/gl11/egl_contexts.h"
-#include "tests/gl11/scene_script.h"
+#include "tests/gl11/scene_file.h"
 #include "tests/support/fatal_catcher.h"
 
 #include <gtest/gtest.h>
@@ -36,10 +36,9 @@ constexpr int MAX_PIXELS_APART = 32;
 std::pair<int, int> compare(const SceneImage& a, const SceneImage& b) {
     std::pair<int, int> apart;
     for (size_t pixel = 0; pixel < a.rgba.size(); pixel += 4) {
-        int largest = 0;
-        for (size_t c = pixel; c < pixel + 3; ++c) {
-            largest = std::max(largest, std::abs(a.rgba[c] - b.rgba[c]));
-        }
+        const int largest = std::max({std::abs(a.rgba[pixel] - b.rgba[pixel]),
+                                      std::abs(a.rgba[pixel + 1] - b.rgba[pixel + 1]),
+                                      std::abs(a.rgba[pixel + 2] - b.rgba[pixel + 2])});
         apart = {apart.first + (largest > PIXEL_TOLERANCE ? 1 : 0), std::max(apart.second, largest)};
     }
     return apart;

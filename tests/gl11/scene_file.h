@@ -1,9 +1,8 @@
 // The feature scenes (tests/gl11/feature_scenes.txt): one small scene per
 // OpenGL 1.1 feature the show draws with, a list of calls read once and sent
-// to either OpenGL by scene_calls.cpp, which is compiled twice: over the
+// to either OpenGL by scene_file.cpp, which is compiled twice: over the
 // system's OpenGL and GLU, as the desktop draws, and over gl11, as the
-// browser draws. Each scene is drawn from a fresh context (OpenGL's initial
-// state).
+// browser draws.
 #pragma once
 
 #include <string>

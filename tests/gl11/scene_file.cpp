@@ -1,8 +1,8 @@
-// The calls of the scene file (scene_script.h), compiled once over the
-// system's OpenGL and GLU and once over gl11 (KASKADE_SCENES_ON_GL11), the
-// way base/gl.h chooses for the show. Colours are bytes, whole multiples of
-// 1/255 as the show's are; spheres and grids are tessellated finely enough
-// that per-vertex lighting shows its shape.
+// The scene file (its first lines say how it is written): read once, and its
+// calls, compiled once over the system's OpenGL and GLU and once over gl11
+// (KASKADE_SCENES_ON_GL11), the way base/gl.h chooses for the show. Colours
+// are bytes, whole multiples of 1/255 as the show's are; spheres and grids
+// are tessellated finely enough that per-vertex lighting shows its shape.
 #ifdef KASKADE_SCENES_ON_GL11
 #include "gl11/gl11.h"
 #define SCENES_NAMESPACE layer_scenes
@@ -12,12 +12,85 @@
 #define SCENES_NAMESPACE reference_scenes
 #endif
 
-#include "tests/gl11/scene_script.h"
+#include "tests/gl11/scene_file.h"
 
 #include <cmath>
 #include <cstdint>
+#include <cstdlib>
+#include <fstream>
 #include <functional>
 #include <map>
+#include <sstream>
+
+#ifndef KASKADE_SCENES_ON_GL11
+namespace {
+
+// The GL names the file may use, without GL_.
+#define NAMED(name) {#name, GL_##name}
+const std::map<std::string, float> NAMES = {
+    NAMED(ALWAYS), NAMED(AMBIENT), NAMED(AMBIENT_AND_DIFFUSE), NAMED(BACK), NAMED(BLEND), NAMED(CCW),
+    NAMED(COLOR_CLEAR_VALUE), NAMED(COLOR_MATERIAL), NAMED(CONSTANT_ATTENUATION), NAMED(CULL_FACE),
+    NAMED(CURRENT_COLOR), NAMED(CW), NAMED(DECAL), NAMED(DEPTH_TEST), NAMED(DIFFUSE), NAMED(EMISSION), NAMED(FLAT),
+    NAMED(FOG), NAMED(FRONT), NAMED(LESS), NAMED(LIGHT0), NAMED(LIGHTING), NAMED(LINEAR), NAMED(LINEAR_ATTENUATION),
+    NAMED(LINES), NAMED(MODELVIEW), NAMED(MODELVIEW_MATRIX), NAMED(MODULATE), NAMED(NEAREST), NAMED(ONE),
+    NAMED(ONE_MINUS_SRC_COLOR), NAMED(POLYGON), NAMED(PROJECTION), NAMED(PROJECTION_MATRIX),
+    NAMED(QUADRATIC_ATTENUATION), NAMED(QUADS), NAMED(S), NAMED(SCISSOR_TEST), NAMED(SHININESS), NAMED(SMOOTH),
+    NAMED(SPECULAR), NAMED(SPHERE_MAP), NAMED(SPOT_CUTOFF), NAMED(SPOT_DIRECTION), NAMED(SPOT_EXPONENT),
+    NAMED(SRC_ALPHA), NAMED(SRC_COLOR), NAMED(T), NAMED(TEXTURE_2D), NAMED(TEXTURE_GEN_S), NAMED(TEXTURE_GEN_T),
+    NAMED(TRIANGLES), NAMED(ZERO), {"PAINTED", 1.0f}};
+#undef NAMED
+
+}  // namespace
+
+bool readScenes(const std::string& path, std::vector<Scene>* scenes, std::string* error) {
+    std::ifstream file(path);
+    std::map<std::string, std::vector<SceneCall>> parts;
+    std::vector<SceneCall>* into = nullptr;  // the calls of the scene or part being read
+    std::string text;
+    for (int line = 1; std::getline(file, text); ++line) {
+        std::istringstream calls(text.substr(0, text.find('#')));
+        for (std::string call; std::getline(calls, call, ';');) {
+            std::istringstream words(call);
+            std::string name, word;
+            auto fail = [&](const std::string& what) {
+                *error = path + ":" + std::to_string(line) + ": " + what;
+                return false;
+            };
+            if (!(words >> name)) {
+                continue;
+            } else if (name == "scene") {
+                into = &scenes->emplace_back(Scene{words >> word ? word : "", {}, {}}).calls;
+                while (words >> word) {
+                    scenes->back().mistakes.push_back(word);
+                }
+            } else if (name == "part") {
+                into = &parts[words >> word ? word : ""];
+            } else if (into == nullptr) {
+                return fail("a call before the first scene");
+            } else if (name == "use") {
+                if (!(words >> word) || !parts.contains(word)) {
+                    return fail("no part " + word);
+                }
+                into->insert(into->end(), parts[word].begin(), parts[word].end());
+            } else {
+                SceneCall& out = into->emplace_back(SceneCall{name, {}, line});
+                while (words >> word) {
+                    char* end = nullptr;
+                    const float number = std::strtof(word.c_str(), &end);
+                    if (*end != '\0' && !NAMES.contains(word)) {
+                        return fail("neither a number nor a name: " + word);
+                    }
+                    out.args.push_back(*end == '\0' ? number : NAMES.at(word));
+                }
+            }
+        }
+    }
+    if (scenes->empty()) {
+        *error = path + ": no scenes";
+    }
+    return !scenes->empty();
+}
+#endif
 
 namespace SCENES_NAMESPACE {
 namespace {
@@ -135,21 +208,18 @@ void drawScene(const Scene& scene, SceneRun* run) {
         E1("enable", glEnable), E1("disable", glDisable), E1("shade", glShadeModel), E1("depthfunc", glDepthFunc),
         E1("frontface", glFrontFace), E1("cullface", glCullFace), E1("matrixmode", glMatrixMode), E1("begin", glBegin),
         F3("translate", glTranslatef), F3("scale", glScalef), F3("normal", glNormal3f), F3("vertex", glVertex3f),
-        I4("viewport", glViewport), I4("scissor", glScissor),
-        {"push", glPushMatrix}, {"pop", glPopMatrix}, {"identity", glLoadIdentity}, {"end", glEnd},
-        {"blend", [&] { glBlendFunc(e(a[0]), e(a[1])); }},
-        {"depthmask", [&] { glDepthMask(b(a[0])); }},
+        I4("viewport", glViewport), I4("scissor", glScissor), {"end", glEnd},
+        {"push", glPushMatrix}, {"pop", glPopMatrix}, {"identity", glLoadIdentity},
+        {"blend", [&] { glBlendFunc(e(a[0]), e(a[1])); }}, {"depthmask", [&] { glDepthMask(b(a[0])); }},
         {"colormask", [&] { glColorMask(b(a[0]), b(a[1]), b(a[2]), b(a[3])); }},
         {"clearcolour", [&] { glClearColor(a[0] / 255.0f, a[1] / 255.0f, a[2] / 255.0f, 1.0f); }},
         {"clear", [&] { glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT); }},
-        {"rotate", [&] { glRotatef(a[0], a[1], a[2], a[3]); }},
-        {"multmatrix", [&] { glMultMatrixf(a); }},
+        {"rotate", [&] { glRotatef(a[0], a[1], a[2], a[3]); }}, {"multmatrix", [&] { glMultMatrixf(a); }},
         {"perspective", [&] { gluPerspective(a[0], a[1], a[2], a[3]); }},
         {"lookat", [&] { gluLookAt(a[0], a[1], a[2], a[3], a[4], a[5], a[6], a[7], a[8]); }},
-        {"keep", [&] { query(GL_MODELVIEW_MATRIX, kept); }},
-        {"multkept", [&] { glMultMatrixf(kept); }},
+        {"keep", [&] { query(GL_MODELVIEW_MATRIX, kept); }}, {"multkept", [&] { glMultMatrixf(kept); }},
         {"query", [&] { query(e(a[0]), answer); }},
-        {"light", [&] {
+        {"light", [&] {  // light I X Y Z W R G B
              const GLfloat diffuse[4] = {a[5] / 255.0f, a[6] / 255.0f, a[7] / 255.0f, 1.0f};
              inEyeSpace([&] {
                  glLightfv(light(), GL_POSITION, a + 1);
@@ -161,20 +231,12 @@ void drawScene(const Scene& scene, SceneRun* run) {
         {"lightf", [&] { glLightf(light(), e(a[1]), a[2]); }},
         {"material", [&] { glMaterialfv(GL_FRONT_AND_BACK, e(a[0]), a + 1); }},
         {"colormaterial", [&] { glColorMaterial(GL_FRONT_AND_BACK, e(a[0])); }},
-        {"fogexp", [&] {
-             glFogi(GL_FOG_MODE, GL_EXP);
-             glFogfv(GL_FOG_COLOR, a);
-             glFogf(GL_FOG_DENSITY, a[4]);
-         }},
+        {"fogexp", [&] { glFogi(GL_FOG_MODE, GL_EXP); glFogfv(GL_FOG_COLOR, a); glFogf(GL_FOG_DENSITY, a[4]); }},
         {"colour", [&] { colour(a[0], a[1], a[2], n > 3 ? a[3] : 255.0f); }},
         {"texcoord", [&] { glTexCoord2f(a[0], a[1]); }},
         {"sphere", [&] { sphere(a[0], i(a[1]), i(a[2]), n > 3); }},
         {"grid", [&] { grid(a[0], a[1], a[2], a[3], a[4], i(a[5])); }},
-        {"texture", [&] {
-             bindTexture(run, &textures);
-             filter(i(a[0]));
-         }},
-        {"filter", [&] { filter(i(a[0])); }},
+        {"texture", [&] { bindTexture(run, &textures); filter(i(a[0])); }}, {"filter", [&] { filter(i(a[0])); }},
         {"texenv", [&] { glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, i(a[0])); }},
         {"texgen", [&] { glTexGeni(e(a[0]), GL_TEXTURE_GEN_MODE, i(a[1])); }},
     };
