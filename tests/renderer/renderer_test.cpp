@@ -56,6 +56,7 @@ TEST(SeamCorrection, MovesSmallValuesUpByWholeTurnsOnlyAcrossAWideRangeAndOnlyOn
 
 constexpr int SIZE = 64;
 constexpr int CENTRE = SIZE / 2;
+constexpr int LOW = 30, HIGH = 34;  // within a 2 x 2 texture's quadrants on a square of half 10
 
 struct Rgb {
     int r, g, b;
@@ -205,6 +206,24 @@ void backToFront(World& world) {  // turned away, behind the depth buffer
     glClearDepth(1.0);
 }
 void turned(World& world) { world.meshes[0]->rotation.y = 75.0f; }
+// 2 x 2 texels, row 0 at v = 0 (the square's bottom): red, green; blue, white.
+Texture* texels() {
+    static Texture image{};
+    if (image.pixels == nullptr) {
+        const uint8_t rgba[16] = {255, 0, 0, 255, 0, 255, 0, 255, 0, 0, 255, 255, 255, 255, 255, 255};
+        image.allocate(2, 2);
+        std::copy(rgba, rgba + 16, image.pixels);
+        glGenTextures(1, &image.id);
+        image.upload();
+        glBindTexture(GL_TEXTURE_2D, 0);  // bound by the draw only
+    }
+    return &image;
+}
+void textured(World& world) { world.materials[0]->texture = texels(); }
+void texturedAndLit(World& world) {
+    textured(world);
+    addLamp(world);
+}
 std::function<void(World&)> light(int x, int y, int z, uint8_t r, uint8_t g, uint8_t b, float entryShift = 0.0f) {
     return [=](World& world) {
         glTranslatef(0.0f, 0.0f, entryShift);
@@ -254,6 +273,17 @@ TEST_F(WorldRender, EachFlagLightAndFogGivesTheSquaresCentreItsColour) {
         // Turned 75 degrees about y: narrower (half 10 shows as less than 7), as tall.
         {"turned: narrower", MODE_TEXTURE, 0x00402010, MAT_OPAQUE, turned, {0, 0, 0}, 0, toPixel(7), CENTRE},
         {"turned: as tall", MODE_TEXTURE, 0x00402010, MAT_OPAQUE, turned, {64, 32, 16}, 0, CENTRE, toPixel(8)},
+        // Textured: unlit, the texels where they belong; lit and flat, the lit
+        // colour times the texel; linear filtering (MAT_LINEAR) mixes them
+        // between the texel centres, unless MAT_OPAQUE (after it) sets nearest.
+        {"bottom left", MODE_TEXTURE, 0x00404040, MAT_OPAQUE, textured, {255, 0, 0}, 0, LOW, LOW},
+        {"bottom right", MODE_TEXTURE, 0x00404040, MAT_OPAQUE, textured, {0, 255, 0}, 0, HIGH, LOW},
+        {"top left", MODE_TEXTURE, 0x00404040, MAT_OPAQUE, textured, {0, 0, 255}, 0, LOW, HIGH},
+        {"top right", MODE_TEXTURE, 0x00404040, MAT_OPAQUE, textured, {255, 255, 255}, 0, HIGH, HIGH},
+        {"lit red", MODE_TEXTURE_FLAT, 0x00C0C0C0, MAT_OPAQUE, texturedAndLit, {228, 0, 0}, 2, LOW, LOW},
+        {"lit white", MODE_TEXTURE_FLAT, 0x00C08040, MAT_OPAQUE, texturedAndLit, {228, 152, 76}, 2, HIGH, HIGH},
+        {"linear", MODE_TEXTURE, 0x00404040, MAT_LINEAR, textured, {140, 167, 167}, 2},
+        {"nearest", MODE_TEXTURE, 0x00404040, MAT_LINEAR | MAT_OPAQUE, textured, {255, 255, 255}, 0},
         // The caller's fog: linear and white from 0 to 150, at eye distance
         // 100, keeps a third of the colour.
         {"fog", MODE_TEXTURE, 0x00204080, MAT_OPAQUE, [](World&) {
@@ -282,51 +312,6 @@ TEST_F(WorldRender, EachFlagLightAndFogGivesTheSquaresCentreItsColour) {
     GLfloat direction[3] = {};
     glGetLightfv(GL_LIGHT0, GL_SPOT_DIRECTION, direction);
     EXPECT_EQ(std::vector<GLfloat>(direction, direction + 3), (std::vector<GLfloat>{0.0f, -1.0f, 0.0f}));
-}
-
-TEST_F(WorldRender, TexturedModesLayTheTexelsOnOrModulateThemByTheLitColourWithTheMaterialsFilters) {
-    // 2 x 2 texels, row 0 at v = 0 (the square's bottom): red, green; blue, white.
-    Texture image{};
-    image.allocate(2, 2);
-    const uint8_t texels[16] = {255, 0, 0, 255, 0, 255, 0, 255, 0, 0, 255, 255, 255, 255, 255, 255};
-    std::copy(texels, texels + 16, image.pixels);
-    glGenTextures(1, &image.id);
-    image.upload();
-    glBindTexture(GL_TEXTURE_2D, 0);
-    // The filters land on the material's own texture, bound only by the draw; MAT_OPAQUE's last.
-    for (const auto& [flags, filter] : {std::pair(MAT_LINEAR, GL_LINEAR), {MAT_LINEAR | MAT_OPAQUE, GL_NEAREST}}) {
-        SquareWorld scene(MODE_TEXTURE, 0x00404040, flags);
-        scene.material->texture = &image;
-        scene.draw();
-        GLint filters[2] = {};
-        glBindTexture(GL_TEXTURE_2D, image.id);
-        glGetTexParameteriv(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, &filters[0]);
-        glGetTexParameteriv(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, &filters[1]);
-        EXPECT_EQ(std::vector<GLint>(filters, filters + 2), std::vector<GLint>(2, filter)) << flags;
-    }
-    // Unlit: the texels; lit and flat: its colour without a texture (drawn untextured), times each texel.
-    startFrame();
-    SquareWorld decal(MODE_TEXTURE, 0x00404040);
-    decal.material->texture = &image;
-    const Frame decalFrame = decal.draw();
-    const int low = toPixel(-25.0f), high = toPixel(25.0f);
-    startFrame();
-    SquareWorld modulated(MODE_TEXTURE_FLAT, 0x00C08040);
-    addLamp(modulated.world);
-    const Rgb lit = modulated.draw().at(low, low);
-    EXPECT_TRUE(lit.r > lit.g && lit.g > lit.b);
-    startFrame();
-    modulated.material->texture = &image;
-    const Frame modulatedFrame = modulated.draw();
-    const int where[4][2] = {{low, low}, {high, low}, {low, high}, {high, high}};
-    for (int i = 0; i < 4; ++i) {
-        const uint8_t* texel = texels + i * 4;
-        const Rgb decalled = decalFrame.at(where[i][0], where[i][1]), got = modulatedFrame.at(where[i][0], where[i][1]);
-        EXPECT_EQ(std::tuple(decalled.r, decalled.g, decalled.b), std::tuple(texel[0], texel[1], texel[2])) << i;
-        EXPECT_NEAR(got.r + got.g + got.b, (lit.r * texel[0] + lit.g * texel[1] + lit.b * texel[2]) / 255, 3) << i;
-    }
-    glDeleteTextures(1, &image.id);
-    delete[] image.pixels;
 }
 
 }  // namespace
