@@ -4,96 +4,71 @@
 #include <EGL/eglext.h>
 #include <GLES3/gl3.h>
 
-#include <cstdio>
-
 namespace {
 
-struct Egl {
-    EGLDisplay display = EGL_NO_DISPLAY;
-    EGLConfig config = nullptr;
-    EGLSurface referenceSurface = EGL_NO_SURFACE;
-    EGLSurface layerSurface = EGL_NO_SURFACE;
-    EGLContext reference = EGL_NO_CONTEXT;
-    EGLContext layer = EGL_NO_CONTEXT;
-    bool opened = false;
-    std::string failure;
-};
-Egl g_egl;
+EGLDisplay g_display = EGL_NO_DISPLAY;
+EGLConfig g_config = nullptr;
+EGLSurface g_surfaces[2] = {EGL_NO_SURFACE, EGL_NO_SURFACE};  // the reference's, the layer's
+EGLContext g_contexts[2] = {EGL_NO_CONTEXT, EGL_NO_CONTEXT};
 
-bool fail(const char* what, std::string* why) {
-    char code[32];
-    std::snprintf(code, sizeof code, " (EGL error 0x%04X)", static_cast<unsigned>(eglGetError()));
-    g_egl.failure = std::string(what) + code;
-    *why = g_egl.failure;
-    return false;
-}
-
-EGLContext replace(EGLContext old, EGLenum api, const EGLint* attributes, EGLSurface surface) {
-    eglMakeCurrent(g_egl.display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
-    if (old != EGL_NO_CONTEXT) {
-        eglDestroyContext(g_egl.display, old);
+bool start(int which, EGLenum api, const EGLint* attributes) {
+    eglMakeCurrent(g_display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+    if (g_contexts[which] != EGL_NO_CONTEXT) {
+        eglDestroyContext(g_display, g_contexts[which]);
     }
     eglBindAPI(api);
-    const EGLContext context = eglCreateContext(g_egl.display, g_egl.config, EGL_NO_CONTEXT, attributes);
-    eglMakeCurrent(g_egl.display, surface, surface, context);
-    return context;
+    g_contexts[which] = eglCreateContext(g_display, g_config, EGL_NO_CONTEXT, attributes);
+    return eglMakeCurrent(g_display, g_surfaces[which], g_surfaces[which], g_contexts[which]);
 }
 
 }  // namespace
 
 bool openEglContexts(std::string* why) {
-    if (g_egl.opened || !g_egl.failure.empty()) {
-        *why = g_egl.failure;
-        return g_egl.opened;
-    }
+    auto fail = [why](const char* what) {
+        *why = std::string(what) + " (EGL error " + std::to_string(eglGetError()) + ")";
+        return false;
+    };
     const auto platformDisplay =
         reinterpret_cast<PFNEGLGETPLATFORMDISPLAYEXTPROC>(eglGetProcAddress("eglGetPlatformDisplayEXT"));
     if (platformDisplay == nullptr) {
-        return fail("no eglGetPlatformDisplayEXT", why);
+        return fail("no eglGetPlatformDisplayEXT");
     }
-    g_egl.display = platformDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
-    if (g_egl.display == EGL_NO_DISPLAY || !eglInitialize(g_egl.display, nullptr, nullptr)) {
-        return fail("Mesa's surfaceless EGL display does not open", why);
+    g_display = platformDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
+    if (g_display == EGL_NO_DISPLAY || !eglInitialize(g_display, nullptr, nullptr)) {
+        return fail("Mesa's surfaceless EGL display does not open");
     }
     // As the show's window and the page's canvas: 8-bit RGB, a depth buffer, no multisampling.
     const EGLint wanted[] = {EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RED_SIZE, 8, EGL_GREEN_SIZE, 8, EGL_BLUE_SIZE, 8,
                              EGL_DEPTH_SIZE, 24, EGL_SAMPLES, 0, EGL_RENDERABLE_TYPE,
                              EGL_OPENGL_BIT | EGL_OPENGL_ES3_BIT, EGL_NONE};
     EGLint count = 0;
-    if (!eglChooseConfig(g_egl.display, wanted, &g_egl.config, 1, &count) || count == 0) {
-        return fail("no EGL configuration for both OpenGL and OpenGL ES 3", why);
+    if (!eglChooseConfig(g_display, wanted, &g_config, 1, &count) || count == 0) {
+        return fail("no EGL configuration for both OpenGL and OpenGL ES 3");
     }
     const EGLint size[] = {EGL_WIDTH, SCENE_SIZE, EGL_HEIGHT, SCENE_SIZE, EGL_NONE};
-    g_egl.referenceSurface = eglCreatePbufferSurface(g_egl.display, g_egl.config, size);
-    g_egl.layerSurface = eglCreatePbufferSurface(g_egl.display, g_egl.config, size);
-    if (g_egl.referenceSurface == EGL_NO_SURFACE || g_egl.layerSurface == EGL_NO_SURFACE) {
-        return fail("no EGL pbuffer", why);
+    for (EGLSurface& surface : g_surfaces) {
+        surface = eglCreatePbufferSurface(g_display, g_config, size);
+    }
+    if (g_surfaces[0] == EGL_NO_SURFACE || g_surfaces[1] == EGL_NO_SURFACE) {
+        return fail("no EGL pbuffer");
     }
     startReferenceContext();
     startLayerContext();
-    if (g_egl.reference == EGL_NO_CONTEXT || g_egl.layer == EGL_NO_CONTEXT) {
-        return fail("no OpenGL or OpenGL ES 3 context", why);
-    }
-    g_egl.opened = true;
-    return true;
+    return g_contexts[0] != EGL_NO_CONTEXT && g_contexts[1] != EGL_NO_CONTEXT ? true
+                                                                                : fail("no OpenGL or OpenGL ES 3 context");
 }
 
-void startReferenceContext() {
-    g_egl.reference = replace(g_egl.reference, EGL_OPENGL_API, nullptr, g_egl.referenceSurface);
-}
+void startReferenceContext() { start(0, EGL_OPENGL_API, nullptr); }
 
 void startLayerContext() {
     const EGLint es3[] = {EGL_CONTEXT_MAJOR_VERSION, 3, EGL_NONE};
-    g_egl.layer = replace(g_egl.layer, EGL_OPENGL_ES_API, es3, g_egl.layerSurface);
-    if (g_egl.layer != EGL_NO_CONTEXT) {
+    if (start(1, EGL_OPENGL_ES_API, es3)) {
         glEnable(GL_PRIMITIVE_RESTART_FIXED_INDEX);
     }
 }
 
 SceneImage readScene() {
-    SceneImage image;
-    image.width = image.height = SCENE_SIZE;
-    image.rgba.resize(static_cast<size_t>(SCENE_SIZE) * SCENE_SIZE * 4);
+    SceneImage image{std::vector<uint8_t>(static_cast<size_t>(SCENE_SIZE) * SCENE_SIZE * 4)};
     glFinish();
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
     glReadPixels(0, 0, SCENE_SIZE, SCENE_SIZE, GL_RGBA, GL_UNSIGNED_BYTE, image.rgba.data());

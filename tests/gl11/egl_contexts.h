@@ -15,8 +15,6 @@ constexpr int SCENE_SIZE = 128;
 
 // A frame read back: RGBA, rows bottom up, as glReadPixels gives them.
 struct SceneImage {
-    int width = 0;
-    int height = 0;
     std::vector<uint8_t> rgba;
 };
 

@@ -1,5 +1,5 @@
-// Overlays of a texture loaded from an archive, drawn over a frame in a real GL
-// context and read back from the back buffer.
+// Overlays of a texture loaded from an archive, drawn over a grey frame in a
+// real GL context and read back from the back buffer.
 #include "overlay/overlay.h"
 
 #include <gtest/gtest.h>
@@ -9,95 +9,69 @@
 
 namespace {
 
-// The projection maps the 640 x 480 layout onto the window, layout point (x, y)
-// at depths -1..-6000 on window pixel (x, y) counted from the bottom.
-constexpr int X0 = 270, Y0 = 190, X1 = 370, Y1 = 290, DEPTH = -100;
-
-// Window points in the image's white top-left quadrant, its black ones and outside.
-struct Point { int x, y; };
-constexpr Point WHITE{295, 265}, BLACK_RIGHT{345, 265}, BLACK_BELOW{295, 215}, OUTSIDE{40, 40};
-
-void expectGrey(std::initializer_list<Point> points, int level) {
-    for (Point point : points) {
-        uint8_t rgb[3];
-        glReadPixels(point.x, point.y, 1, 1, GL_RGB, GL_UNSIGNED_BYTE, rgb);
-        for (uint8_t channel : rgb) {
-            EXPECT_NEAR(channel, level, 2) << "at " << point.x << "," << point.y;
-        }
+TEST(Overlay, DarkenCutsAndAddBrightensTheTitleScaledByTheColourAndBothLeaveTheShowState) {
+    if (!openGlTestWindow()) {
+        GTEST_SKIP() << "no display: run under xvfb-run";
     }
-}
-
-class OverlayTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        if (!openGlTestWindow()) {
-            GTEST_SKIP() << "no display: run under xvfb-run";
-        }
-        setShowStartState();
-        glMatrixMode(GL_PROJECTION);
-        glLoadIdentity();
-        glOrtho(-320, 320, -240, 240, 1, 6000);
-        glMatrixMode(GL_MODELVIEW);
-        glLoadIdentity();
-        // A 32 x 32 white image loaded into 64 x 64: white in the top-left quadrant
-        // only, so the tests see which way up it lands.
-        const std::vector<uint8_t> pcx = pcxFile({.width = 32, .height = 32, .bytesPerLine = 32},
-                                                 encodeRuns(std::vector<uint8_t>(1024, 1)), {0, 0, 0, 255, 255, 255});
-        writeBytes("3d", buildArchive({{"title.pcx", pcx}}));
-        Library library{};
-        library.open("3d");
-        title.load(library, "title.pcx", 64, 64, false);
-        library.close();
-        glBindTexture(GL_TEXTURE_2D, 0);
-    }
-    void TearDown() override { delete[] title.pixels; }
-
-    // Clears the frame to grey `level` (0..1) and the depth buffer to the nearest depth, moves
-    // the GL state away from the show's (fog on, ...), draws, and checks it left the show's state.
-    void drawOver(float level, void (*draw)(Texture*, int, int, int, int, int), int x0, int x1) {
-        glClearColor(level, level, level, 0);
+    // The layout (640 x 480, depths -1..-6000) on the window, point (x, y) on pixel (x, y) from the bottom.
+    setShowStartState();
+    glMatrixMode(GL_PROJECTION);
+    glOrtho(-320, 320, -240, 240, 1, 6000);
+    glMatrixMode(GL_MODELVIEW);
+    // A 32 x 32 white image loaded into 64 x 64: white in the top-left quadrant
+    // only, so that the test sees which way up it lands.
+    WorkingTempDir directory;
+    writeBytes("3d", buildArchive({{"title.pcx", pcxFile({.width = 32, .height = 32, .bytesPerLine = 32},
+                                                         encodeRuns(std::vector<uint8_t>(1024, 1)),
+                                                         {0, 0, 0, 255, 255, 255})}}));
+    Library library{};
+    library.open("3d");
+    Texture title{};
+    title.load(library, "title.pcx", 64, 64, false);
+    library.close();
+    // Over grey `background`, the grey the title's white quadrant (top left),
+    // its black one on the right and the one below take, and the frame outside.
+    const struct { void (*draw)(Texture*, int, int, int, int, int); float colour, background; bool mirrored;
+                   int white, right, below; } cases[] = {
+        {drawOverlayDarken, 1.0f, 0.5f, false, 0, 128, 128}, {drawOverlayAdd, 1.0f, 0.25f, false, 255, 64, 64},
+        {drawOverlayDarken, 1.0f, 0.5f, true, 128, 0, 128},  // corners swapped: mirrored, not culled
+        {drawOverlayDarken, 0.5f, 0.5f, false, 64, 128, 128}, {drawOverlayAdd, 0.5f, 0.25f, false, 192, 64, 64}};
+    for (const auto& c : cases) {
+        // The frame grey, the depth buffer at its nearest, the GL state away from the show's.
+        glClearColor(c.background, c.background, c.background, 0);
         glClearDepth(0.0);
         glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
         glClearDepth(1.0);
-        glEnable(GL_FOG);
-        glEnable(GL_ALPHA_TEST);
+        for (GLenum capability : {GL_FOG, GL_ALPHA_TEST}) {
+            glEnable(capability);
+        }
         glDisable(GL_COLOR_MATERIAL);
         glCullFace(GL_FRONT);
         glFrontFace(GL_CCW);
-        draw(&title, x0, Y0, x1, Y1, DEPTH);
-        for (GLenum on : {GL_DEPTH_TEST, GL_LIGHTING, GL_CULL_FACE, GL_COLOR_MATERIAL, GL_TEXTURE_2D}) {
-            EXPECT_TRUE(glIsEnabled(on)) << on;
+        glColor4f(c.colour, c.colour, c.colour, 1);
+        c.draw(&title, c.mirrored ? 370 : 270, 190, c.mirrored ? 270 : 370, 290, -100);
+        const int outside = static_cast<int>(c.background * 255 + 0.5f);
+        const std::pair<int, int> points[] = {{295, 265}, {345, 265}, {295, 215}, {40, 40}};
+        const int levels[] = {c.white, c.right, c.below, outside};
+        for (int i = 0; i < 4; ++i) {
+            uint8_t rgb[3];
+            glReadPixels(points[i].first, points[i].second, 1, 1, GL_RGB, GL_UNSIGNED_BYTE, rgb);
+            EXPECT_EQ(std::vector<int>(rgb, rgb + 3), std::vector<int>(3, levels[i])) << i;
         }
-        for (GLenum off : {GL_FOG, GL_ALPHA_TEST, GL_BLEND}) {
-            EXPECT_FALSE(glIsEnabled(off)) << off;
+        // The show's state again.
+        for (GLenum capability : {GL_DEPTH_TEST, GL_LIGHTING, GL_CULL_FACE, GL_COLOR_MATERIAL, GL_TEXTURE_2D}) {
+            EXPECT_TRUE(glIsEnabled(capability)) << capability;
+        }
+        for (GLenum capability : {GL_FOG, GL_ALPHA_TEST, GL_BLEND}) {
+            EXPECT_FALSE(glIsEnabled(capability)) << capability;
         }
         GLint cullFace = 0, frontFace = 0;
         glGetIntegerv(GL_CULL_FACE_MODE, &cullFace);
         glGetIntegerv(GL_FRONT_FACE, &frontFace);
-        EXPECT_EQ(std::make_pair(cullFace, frontFace), std::make_pair(GL_BACK, GL_CW));
+        EXPECT_EQ(std::pair(cullFace, frontFace), std::pair(GL_BACK, GL_CW));
         EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
     }
-
-    WorkingTempDir directory;
-    Texture title{};
-};
-
-TEST_F(OverlayTest, DarkenCutsAndAddBrightensTheTitleScaledByTheColourAndBothLeaveTheShowState) {
-    glColor4f(1, 1, 1, 1);
-    drawOver(0.5f, drawOverlayDarken, X0, X1);
-    expectGrey({WHITE}, 0);
-    expectGrey({BLACK_RIGHT, BLACK_BELOW, OUTSIDE}, 128);
-    drawOver(0.25f, drawOverlayAdd, X0, X1);
-    expectGrey({WHITE}, 255);
-    expectGrey({BLACK_RIGHT, BLACK_BELOW, OUTSIDE}, 64);
-    drawOver(0.5f, drawOverlayDarken, X1, X0);  // corners swapped: mirrored, not culled
-    expectGrey({WHITE, BLACK_BELOW}, 128);
-    expectGrey({BLACK_RIGHT}, 0);
-    glColor4f(0.5f, 0.5f, 0.5f, 1);  // texels are modulated by the current colour
-    drawOver(0.5f, drawOverlayDarken, X0, X1);
-    expectGrey({WHITE}, 64);
-    drawOver(0.25f, drawOverlayAdd, X0, X1);
-    expectGrey({WHITE}, 192);
+    delete[] title.pixels;
 }
 
 }  // namespace

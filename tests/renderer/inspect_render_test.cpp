@@ -12,29 +12,28 @@
 
 namespace {
 
-// The tool's exit status; what it printed goes to `printed`.
-int inspect(const std::string& arguments, std::string& printed) {
-    const std::string command = std::string("'") + KASKADE_INSPECT_TOOL + "' render " + arguments + " >run.out 2>&1";
-    const int status = std::system(command.c_str());
+// Renders `arguments`; what the tool printed goes to `printed`.
+int render(const std::string& arguments, std::string& printed) {
+    const int status = std::system(("'" KASKADE_INSPECT_TOOL "' render " + arguments + " >run.out 2>&1").c_str());
     const std::vector<uint8_t> out = readBytes("run.out");
     printed.assign(out.begin(), out.end());
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-// The pixels of a 640 x 480 PNG whose red, green and blue satisfy `match`.
-template <typename Match>
-int countPixels(const std::string& path, Match match) {
+// The pixels of a 640 x 480 PNG whose red, green and blue are `rgb` (grey: any grey but black).
+int countPixels(const std::string& path, int rgb) {
     PngImage image;
     std::string error;
     EXPECT_TRUE(readPng(path, &image, &error)) << error;
-    EXPECT_EQ(image.width, 640);
-    EXPECT_EQ(image.height, 480);
+    EXPECT_EQ(std::pair(image.width, image.height), std::pair(640, 480));
     int count = 0;
     for (size_t i = 0; i + 2 < image.pixels.size(); i += image.channels) {
-        count += match(image.pixels[i], image.pixels[i + 1], image.pixels[i + 2]) ? 1 : 0;
+        const int r = image.pixels[i], g = image.pixels[i + 1], b = image.pixels[i + 2];
+        count += (rgb < 0 ? r > 0 && r == g && g == b : (r << 16 | g << 8 | b) == rgb) ? 1 : 0;
     }
     return count;
 }
+constexpr int GREY = -1;
 
 TEST(InspectRender, ExporterScenesShowTheirColoursOrGreyGeometryThroughTheirCameras) {
     const char* display = std::getenv("DISPLAY");
@@ -44,29 +43,26 @@ TEST(InspectRender, ExporterScenesShowTheirColoursOrGreyGeometryThroughTheirCame
     WorkingTempDir directory;
     std::string printed;
     const std::string cubes = testDataPath("3ds/cubes_with_alpha.3DS");
-    ASSERT_EQ(inspect("'" + cubes + "' plain.png", printed), 0) << printed;
+    ASSERT_EQ(render("'" + cubes + "' plain.png", printed), 0) << printed;
     EXPECT_NE(printed.find("5 meshes, 60 faces"), std::string::npos) << printed;
     // Sphere-mapped materials without a texture: unlit, in their diffuse colours exactly.
     for (int diffuse : {0xC97B00, 0xB20800, 0x6D0005, 0xC000DC}) {
-        auto same = [&](int r, int g, int b) { return (r << 16 | g << 8 | b) == diffuse; };
-        EXPECT_GT(countPixels("plain.png", same), 200) << std::hex << diffuse;
+        EXPECT_GT(countPixels("plain.png", diffuse), 200) << std::hex << diffuse;
     }
-    auto black = [](int r, int g, int b) { return r + g + b == 0; };
-    EXPECT_GT(countPixels("plain.png", black), 640 * 480 / 4) << "the scene is framed with room around it";
+    EXPECT_GT(countPixels("plain.png", 0), 640 * 480 / 4) << "the scene is framed with room around it";
     writeBytes("3d", buildArchive({{"other.3ds", readBytes(testDataPath("3ds/RotatingCube.3DS"))},
                                    {"cubes.3ds", readBytes(cubes)}}));
-    ASSERT_EQ(inspect("3d:cubes.3ds entry.png", printed), 0) << printed;
+    ASSERT_EQ(render("3d:cubes.3ds entry.png", printed), 0) << printed;
     EXPECT_EQ(readBytes("entry.png"), readBytes("plain.png"));
 
     // No materials: grey, seen through the camera's track at frame 0 and 150.
     const std::string animated = "'" + testDataPath("3ds/TargetCameraAnim.3ds") + "'";
-    ASSERT_EQ(inspect(animated + " start.png", printed), 0) << printed;
+    ASSERT_EQ(render(animated + " start.png", printed), 0) << printed;
     EXPECT_NE(printed.find("camera 'Camera01' at frame 0, fov 110"), std::string::npos) << printed;
-    ASSERT_EQ(inspect(animated + " later.png --frame 150", printed), 0) << printed;
+    ASSERT_EQ(render(animated + " later.png --frame 150", printed), 0) << printed;
     EXPECT_NE(printed.find("at frame 150"), std::string::npos) << printed;
-    auto grey = [](int r, int g, int b) { return r > 0 && r == g && g == b; };
-    EXPECT_GT(countPixels("start.png", grey), 1000);
-    EXPECT_GT(countPixels("later.png", grey), 1000);
+    EXPECT_GT(countPixels("start.png", GREY), 1000);
+    EXPECT_GT(countPixels("later.png", GREY), 1000);
     EXPECT_NE(readBytes("start.png"), readBytes("later.png")) << "the camera moved along its track";
 }
 

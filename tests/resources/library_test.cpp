@@ -84,9 +84,6 @@ TEST_F(LibraryTest, NamesOfNineteenCharactersFitAndTwentyAreRefused) {
     EXPECT_EQ(failureOf("other"), "entry name too long : abcdefghijklmnopqrst...");
     const std::string longArchive(20, 'a');
     EXPECT_EQ(expectFatal([&] { openBytes(archive, longArchive); }).text, "library name too long : " + longArchive);
-}
-
-TEST_F(LibraryTest, MissingArchiveCannotBeRewoundOrOpened) {
     std::remove("lib");
     EXPECT_EQ(failureOf("first"), "cannot rewind library");
     EXPECT_EQ(expectFatal([&] { library.open("lib"); }).text, "cannot open library");

@@ -1,5 +1,5 @@
 // The PCX decoder against files from other encoders and against hand-made byte
-// sequences for what encoders rarely write.
+// sequences for what encoders rarely write; and the decoded pixels made RGBA.
 #include "resources/pcx_decoder.h"
 
 #include <gtest/gtest.h>
@@ -11,6 +11,7 @@
 #include <numeric>
 
 #include "app/desktop/capture/png_file.h"
+#include "resources/texture.h"
 #include "tests/resources/resource_test_files.h"
 #include "tests/support/fatal_catcher.h"
 
@@ -56,14 +57,14 @@ TEST(PcxReferenceFiles, DecodeToTheReferencePixelsInBlueGreenRedOrder) {
         if (item.path().extension() == ".pcx") {
             SCOPED_TRACE(item.path().string());
             ++images;
-            const std::vector<uint8_t> file = readBytes(item.path());
             PngImage png;
             std::string error;
             ASSERT_TRUE(readPng(std::filesystem::path(item.path()).replace_extension(".png"), &png, &error)) << error;
-            EXPECT_TRUE(decode(file, png.width, png.height) == bufferOf(png.width, png.height, [&](int x, int y) {
-                const uint8_t* rgb = png.pixels.data() + (static_cast<size_t>(y) * png.width + x) * png.channels;
-                return Rgb{rgb[0], rgb[1], rgb[2]};
-            }));
+            EXPECT_TRUE(decode(readBytes(item.path()), png.width, png.height) ==
+                        bufferOf(png.width, png.height, [&](int x, int y) {
+                            const uint8_t* rgb = png.pixels.data() + (static_cast<size_t>(y) * png.width + x) * png.channels;
+                            return Rgb{rgb[0], rgb[1], rgb[2]};
+                        }));
         }
     }
     EXPECT_GE(images, 7u);
@@ -86,8 +87,7 @@ TEST(PcxThreePlanes, RunsAcrossPlanesAndLinesDecodeIntoBuffersOfAnySize) {
     // red/green, green/blue and line boundaries.
     const std::vector<uint8_t> raw = {7, 7, 7, 7, 7, 7, /**/ 7, 7, 9, 9, 9, 9, /**/ 9, 9, 9, 9, 9, 9,
                                       9, 9, 1, 2, 3, 3, /**/ 3, 250, 251, 252, 0, 0, /**/ 0, 0, 0, 5, 6, 6};
-    const std::vector<uint8_t> file =
-        pcxFile({.width = 5, .height = 2, .planes = 3, .bytesPerLine = 6}, encodeRuns(raw));
+    const std::vector<uint8_t> file = pcxFile({.width = 5, .height = 2, .planes = 3, .bytesPerLine = 6}, encodeRuns(raw));
     for (const auto& [width, height] : {std::pair{5, 2}, {4, 1}, {8, 3}}) {  // the image keeps its top-left corner
         EXPECT_EQ(decode(file, width, height), bufferOf(width, height, planar(raw, 6, 5, 2))) << width << "x" << height;
     }
@@ -131,6 +131,22 @@ TEST(PcxBounds, RunsOverrunningTheLastLineStopAtTheBuffer) {
               bufferOf(4, 2, [](int x, int y) { return Rgb{uint8_t(x + y ? 90 : 0), 0, 0}; }));
     const std::vector<uint8_t> rgb = pcxFile({.width = 2, .height = 2, .planes = 3, .bytesPerLine = 2}, {0xFF, 9});
     EXPECT_EQ(decode(rgb, 2, 2), bufferOf(2, 2, [](int, int) { return Rgb{9, 9, 9}; }));
+}
+
+TEST(TextureRgba, SwapsBlueAndRedAndMakesPixelsWithAllChannelsBelowTwoTransparentWhenAsked) {
+    // Blue, green, red as decoded: every channel at 1, then one channel at 2
+    // (blue, green, red) with the others at 0 or 1.
+    const std::vector<uint8_t> decoded = {1, 1, 1, 7, 1, 0, 1, 7, 2, 0, 0, 7, 0, 2, 0, 7, 1, 1, 2, 7, 0, 0, 2, 7, 10, 20, 30, 7};
+    for (const uint8_t clear : {255, 0}) {
+        Texture texture{};
+        texture.allocate(7, 1);
+        std::copy(decoded.begin(), decoded.end(), texture.pixels);
+        texture.convertToRgba(clear == 0);
+        EXPECT_EQ(std::vector<uint8_t>(texture.pixels, texture.pixels + 28),
+                  std::vector<uint8_t>({1, 1, 1, clear, 1, 0, 1, clear, 0, 0, 2, 255, 0, 2, 0, 255, 2, 1, 1, 255,
+                                        2, 0, 0, 255, 30, 20, 10, 255}));
+        delete[] texture.pixels;
+    }
 }
 
 }  // namespace
