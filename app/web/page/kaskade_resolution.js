@@ -10,7 +10,11 @@
 // time (the first few at a new size left out). The refresh
 // interval is the quickest tenth of the intervals seen while the cover
 // waited (nothing is drawn then), or since. A median interval above 1.25
-// times it is too slow: one size down. A median within 1.1 times it for 4 s
+// times it is too slow: down by as many sizes as the pixels must shrink for
+// a frame to fit in the refresh interval, judged by the least time it took
+// (one refresh less than the median, as frames wait for the next refresh;
+// each size has 0.72 of the pixels of the one above). A median within 1.1
+// times it for 4 s
 // lets the size above be tried again, but not before a wait that starts at
 // 8 s and doubles (to 2 minutes at most) each time that size was found too
 // slow: a size that does not keep up is not tried over and over, so the
@@ -82,7 +86,13 @@ window.kaskadeResolution = (function () {
       if (median > chosen.refreshMillis * SLOW && !lowest) {
         const wait = retry[level] ? Math.min(MAX_RETRY_MILLIS, retry[level].wait * 2) : RETRY_MILLIS;
         retry[level] = { after: now + wait, wait };
-        level += 1;
+        const from = level;
+        // A frame that missed n refreshes took more than n - 1 of them.
+        const least = median - chosen.refreshMillis;
+        const steps = Math.max(1, Math.ceil(Math.log(chosen.refreshMillis / least) / Math.log(STEP * STEP)));
+        while (level - from < steps && sizeAt(chosen.fullWidth, level).width > SHOW_WIDTH) {
+          level += 1;
+        }
         levelSince = now;
         settle = SETTLE_FRAMES;
       } else if (median <= chosen.refreshMillis * STEADY && level > 0 && now - levelSince >= UP_AFTER_MILLIS &&
@@ -90,11 +100,6 @@ window.kaskadeResolution = (function () {
         level -= 1;
         levelSince = now;
         settle = SETTLE_FRAMES;
-      }
-      if (statsElement) {
-        statsElement.hidden = false;
-        statsElement.textContent = `${chosen.framesPerSecond.toFixed(1)} frames/s, drawn at ${chosen.width} \u00d7 ` +
-          `${chosen.height} of ${chosen.fullWidth} \u00d7 ${chosen.fullHeight}`;
       }
     }
 
@@ -117,12 +122,18 @@ window.kaskadeResolution = (function () {
         intervals.push(now - last);
       }
       last = now;
-      if (intervals.length >= WINDOW_FRAMES) {
+      const judged = intervals.length >= WINDOW_FRAMES;
+      if (judged) {
         judge(now);
       }
       const size = sizeAt(full.width, level);
       chosen.width = size.width;
       chosen.height = size.height;
+      if (judged && statsElement) {
+        statsElement.hidden = false;
+        statsElement.textContent = `${chosen.framesPerSecond.toFixed(1)} frames/s, drawn at ${size.width} \u00d7 ` +
+          `${size.height} of ${full.width} \u00d7 ${full.height}`;
+      }
       return size;
     }
 
