@@ -28,7 +28,7 @@
   const PROGRAM_CODE = 'kaskade.wasm';
   const START_SECONDS = 2;         // of music decoded from where the show starts, before it may
   const FIRST_PIECE_SECONDS = 6;  // of music asked for before the rest, by the show's length
-  const REST_AFTER_MILLIS = 1500;  // after the archive, the rest of the music comes anyway
+  const REST_AFTER_MILLIS = 3000;  // after the start is offered, the rest of the music comes anyway
   const NOTICE_MILLIS = 8000;
 
   const params = new URLSearchParams(location.search);
@@ -216,9 +216,14 @@
     const soundReady = !['loading', 'streaming', 'decoded'].includes(kaskade.soundtrack) ||
       (fixedFps ? song.complete : song.playableFrom(partStart(firstPart) / 10, START_SECONDS));
     if (!soundReady) {
+      // A first piece of the music that does not reach far enough (a song shorter than the show's length).
+      if (loading.progress.files.find((file) => file.name === SOUNDTRACK).note) {
+        loading.more(SOUNDTRACK);
+      }
       return;
     }
     kaskade.state = 'ready';
+    setTimeout(() => loading.more(SOUNDTRACK), REST_AFTER_MILLIS);
     if (fixedFps) {
       start();
       return;
@@ -295,7 +300,8 @@
       return;
     }
     controls.start();
-    // Once the first frame is drawn, the rest of the music may come.
+    // The rest of the music comes once the first frame is drawn (or a while
+    // after the start was offered), so as to take nothing from what that frame needs.
     requestAnimationFrame(() => loading.more(SOUNDTRACK));
     // Not for the event that started the show.
     setTimeout(() => {
@@ -420,11 +426,8 @@
         ? ' (A tracker module soundtrack plays only in the desktop build.)' : '');
     }
   });
-  // The rest of the music comes after the first frame, or a while after the
-  // archive if the start waits longer (for a gesture, or a song shorter than asked).
   loading.files[ARCHIVE].then((bytes) => {
     archive = bytes;
-    setTimeout(() => loading.more(SOUNDTRACK), REST_AFTER_MILLIS);
     whenLoaded();
   }, (error) => fail(error.message));
 
