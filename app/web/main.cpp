@@ -175,5 +175,5 @@ extern "C" EMSCRIPTEN_KEEPALIVE void kaskade_pause_at_frame(int index) { pauseAt
 
 extern "C" EMSCRIPTEN_KEEPALIVE void kaskade_resume() { emscripten_resume_main_loop(); }
 
-// Nothing runs before the page calls kaskade_start; the runtime stays.
+// Nothing runs before the page calls kaskade_prepare; the runtime stays.
 int main() { return 0; }

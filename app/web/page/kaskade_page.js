@@ -409,7 +409,8 @@
       what: 'an MP3 soundtrack',
       begins: window.kaskadeMp3Frames.looksLikeMp3,
       onBytes: (bytes) => song.push(bytes),
-      // Live, the music from where the show starts comes first, the rest once the rest of the show is in.
+      // Live, the music up to where the show starts and some seconds more comes first (the
+      // file's share by the show's length), the rest once the first frame is drawn.
       firstPiece: fixedFps ? null
         : (size) => Math.ceil(size * Math.min(1, (partStart(firstPart) / 10 + FIRST_PIECE_SECONDS) / SHOW_SECONDS)),
     },
