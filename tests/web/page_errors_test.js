@@ -77,7 +77,9 @@ describe('a fatal report', () => {
       // Paused in part 1, so that the fullscreen button is pressed before part 2's set-up fails.
       await page.goto(`${url}?fps=4&stop=8`);
       await page.waitForFunction(() => ['paused', 'failed'].includes(window.kaskade.state), null, { timeout: 120000 });
-      await page.locator('#fullscreen').click();
+      await page.mouse.move(300, 200);
+      await page.mouse.move(320, 220);
+      await page.locator('#bar-fullscreen').click();
       await page.waitForFunction(() => document.fullscreenElement !== null, null, { timeout: 10000 });
       await page.evaluate(() => window.kaskade.resume());
       await page.waitForFunction(() => window.kaskade.state === 'failed', null, { timeout: 60000 });

@@ -377,6 +377,16 @@
     toggleFullscreen();
     event.currentTarget.blur();
   });
+  // The fullscreen button and the status line, below or beside the picture
+  // where the window leaves room for them (the bar has its own fullscreen
+  // button, notes show over the picture too).
+  const placeControls = () => {
+    const below = (innerHeight - (innerWidth * 3) / 4) / 2;
+    const beside = (innerWidth - (innerHeight * 4) / 3) / 2;
+    byId('controls').hidden = below < 56 && beside < 100;
+  };
+  placeControls();
+  window.addEventListener('resize', placeControls);
 
   const resolution = window.kaskadeResolution.makeResolution(byId('picture'), fixedFps !== 0,
                                                               address.stats ? byId('stats') : null);
