@@ -1,20 +1,21 @@
-// The audio layer in the browser: one channel, the soundtrack the page decoded
-// with Web Audio (browser_soundtrack.h), played by the page through an
-// AudioBufferSourceNode of its AudioContext. Tracker modules are not played
-// here: a soundtrack the browser cannot decode opens no channel.
+// The audio layer in the browser: one channel, the soundtrack the page decodes
+// with Web Audio as it arrives (browser_soundtrack.h), played by the page's
+// player (kaskade_soundtrack.js), which schedules the decoded pieces back to
+// back on its AudioContext. Tracker modules are not played here: a soundtrack
+// the browser cannot decode opens no channel.
 //
 // The demo clock follows what is heard: g_millisecondClock reads the position
-// in the song that the output plays now (the page reads it from the
-// AudioContext's output timestamp, corrected for the output latency), on a
-// base that keeps the clock going on where it stood whenever the song starts
-// from another place. A start is scheduled a little ahead; until it is heard
-// the clock stands, so the picture waits for the sound. The channel's level is
-// the 20 ms peak of the decoded samples at that position (songLevelAt), and
-// its end needs no callback from the audio thread: the clock moves
-// g_musicStartTick on by exactly one song length each time the song starts
-// again, as the fixed-step clock does. The end sync is kept for the contract
-// and never called. A pause suspends the AudioContext: its time, what is
-// heard and the clock all stand.
+// in the song that the output plays now, as the player works it out from the
+// AudioContext's output timestamp and its schedule (counted on past the end
+// when the song loops), on a base that keeps the clock going on where it stood
+// whenever the song starts from another place. The position stands until a
+// start is heard, and wherever the song has not arrived yet, so the picture
+// waits for the sound. The channel's level is the 20 ms peak of the decoded
+// samples at that position (songLevelAt), and its end needs no callback from
+// the audio thread: the clock moves g_musicStartTick on by exactly one song
+// length each time the song starts again, as the fixed-step clock does. The
+// end sync is kept for the contract and never called. A pause suspends the
+// AudioContext: its time, what is heard and the clock all stand.
 #include "audio/audio_output.h"
 
 #include "audio/browser_soundtrack.h"
@@ -36,20 +37,16 @@ struct SongChannel {
     AudioSyncProc sync = nullptr;
     bool playing = false;
     bool loop = false;
-    uint32_t lengthMillis = 0;
-    double startsHeardAt = 0.0;  // heard time (context ms) at which `startOffset` is heard
-    uint32_t startOffset = 0;    // milliseconds into the song
-    double clockBase = 0.0;      // the clock is clockBase + the position heard (unwrapped)
+    uint32_t startOffset = 0;  // milliseconds into the song of the next start
+    double clockBase = 0.0;    // the clock is clockBase + the position heard (unwrapped)
 };
 
 bool g_initialised = false;
 SongChannel g_channel;
 
 // clang-format off
-EM_JS(double, pageAudioHeardMillis, (), { return Module.kaskadeAudio.heardMillis(); });
-EM_JS(double, pageAudioPlay, (int loop, double offsetSeconds), {
-    return Module.kaskadeAudio.play(loop !== 0, offsetSeconds);
-});
+EM_JS(double, pageAudioHeardSongMillis, (), { return Module.kaskadeAudio.heardSongMillis(); });
+EM_JS(void, pageAudioPlay, (int loop, double offsetSeconds), { Module.kaskadeAudio.play(loop !== 0, offsetSeconds); });
 EM_JS(void, pageAudioStop, (), { Module.kaskadeAudio.stop(); });
 EM_JS(void, pageAudioPause, (int paused), { Module.kaskadeAudio.pause(paused !== 0); });
 EM_JS(void, pageAudioGain, (double gain), { Module.kaskadeAudio.setGain(gain); });
@@ -59,20 +56,25 @@ SongChannel* channelFor(AudioHandle handle) {
     return g_initialised && handle == SONG_CHANNEL && g_channel.song != nullptr ? &g_channel : nullptr;
 }
 
-// Milliseconds into the song heard now, counted on past its end when it loops;
-// the start position until the start is heard.
-double heardPosition() {
-    return g_channel.startOffset + std::max(0.0, pageAudioHeardMillis() - g_channel.startsHeardAt);
+// The song's length in milliseconds (rounded); the page corrects an estimate
+// once the whole song is decoded.
+uint32_t lengthMillis(const DecodedAudio& song) {
+    return static_cast<uint32_t>((static_cast<uint64_t>(song.frames()) * 1000 + OUTPUT_RATE / 2) / OUTPUT_RATE);
 }
+
+// Milliseconds into the song heard now, counted on past its end when it loops;
+// the start position until the start is heard. 0 before the song first plays.
+double heardPosition() { return g_channel.playing ? pageAudioHeardSongMillis() : 0.0; }
 
 double clockNow() { return g_channel.clockBase + heardPosition(); }
 
 // The song starting again moves the demo clock's zero on by its length.
 uint32_t songClock() {
     const uint32_t now = static_cast<uint32_t>(static_cast<uint64_t>(std::llround(clockNow())));
-    if (g_channel.playing && g_channel.loop && g_channel.lengthMillis > 0) {
-        while (static_cast<int32_t>(now - g_musicStartTick.load()) >= static_cast<int32_t>(g_channel.lengthMillis)) {
-            g_musicStartTick.store(g_musicStartTick.load() + g_channel.lengthMillis);
+    const uint32_t length = g_channel.song != nullptr ? lengthMillis(*g_channel.song) : 0;
+    if (g_channel.playing && g_channel.loop && length > 0) {
+        while (static_cast<int32_t>(now - g_musicStartTick.load()) >= static_cast<int32_t>(length)) {
+            g_musicStartTick.store(g_musicStartTick.load() + length);
         }
     }
     return now;
@@ -80,7 +82,7 @@ uint32_t songClock() {
 
 void play(uint32_t offsetMillis) {
     const double clockBefore = clockNow();
-    g_channel.startsHeardAt = pageAudioPlay(g_channel.loop ? 1 : 0, offsetMillis / 1000.0);
+    pageAudioPlay(g_channel.loop ? 1 : 0, offsetMillis / 1000.0);
     g_channel.startOffset = offsetMillis;
     g_channel.clockBase = clockBefore - offsetMillis;
     g_channel.playing = true;
@@ -102,9 +104,7 @@ AudioHandle audioStreamCreateFile(const char* path) {
     }
     g_channel = SongChannel{};
     g_channel.song = song;
-    g_channel.lengthMillis =
-        static_cast<uint32_t>((static_cast<uint64_t>(song->frames()) * 1000 + OUTPUT_RATE / 2) / OUTPUT_RATE);
-    // Until the song plays, the clock is the heard time itself.
+    // Until the song plays, the clock stands.
     g_millisecondClock = songClock;
     return SONG_CHANNEL;
 }
@@ -130,7 +130,7 @@ void audioChannelPlay(AudioHandle handle, bool loop) {
 
 uint32_t audioChannelGetLength(AudioHandle handle) {
     const SongChannel* channel = channelFor(handle);
-    return channel != nullptr ? channel->lengthMillis : 0;
+    return channel != nullptr ? lengthMillis(*channel->song) : 0;
 }
 
 uint32_t audioChannelSetPosition(AudioHandle handle, uint32_t millis) {
@@ -138,7 +138,8 @@ uint32_t audioChannelSetPosition(AudioHandle handle, uint32_t millis) {
     if (channel == nullptr) {
         return 0;
     }
-    const uint32_t offset = channel->lengthMillis > 0 ? millis % channel->lengthMillis : 0;
+    const uint32_t length = lengthMillis(*channel->song);
+    const uint32_t offset = length > 0 ? millis % length : 0;
     if (channel->playing) {
         play(offset);
     } else {
@@ -156,7 +157,7 @@ uint32_t audioChannelGetLevel(AudioHandle handle) {
         return 0;
     }
     const uint32_t position = static_cast<uint32_t>(std::llround(heardPosition()));
-    if (!channel->loop && position >= channel->lengthMillis) {
+    if (!channel->loop && position >= lengthMillis(*channel->song)) {
         return 0;
     }
     // Unwrapped: the window just after the start of a loop reaches back into the song's end.

@@ -14,10 +14,12 @@ const DecodedAudio* browserSoundtrack(const char* fileName) {
     return g_handedOver && g_fileName == fileName ? &g_soundtrack : nullptr;
 }
 
-extern "C" EMSCRIPTEN_KEEPALIVE int16_t* kaskade_soundtrack_buffer(const char* fileName, uint32_t frames) {
+extern "C" EMSCRIPTEN_KEEPALIVE int16_t* kaskade_soundtrack_buffer(const char* fileName, uint32_t frames, int keep) {
     g_handedOver = false;
-    g_soundtrack.samples.clear();
-    g_soundtrack.samples.shrink_to_fit();
+    if (keep == 0 || frames > BROWSER_SOUNDTRACK_MAX_FRAMES) {
+        g_soundtrack.samples.clear();
+        g_soundtrack.samples.shrink_to_fit();
+    }
     if (frames > BROWSER_SOUNDTRACK_MAX_FRAMES) {
         return nullptr;
     }

@@ -1,6 +1,6 @@
 // decodeSoundtrack in the browser: the page decodes the soundtrack with Web
-// Audio before the show starts (it cannot be done synchronously from here);
-// this hands out what it decoded.
+// Audio (it cannot be done synchronously from here), all of it before the
+// fixed-step clock starts; this hands out what it decoded.
 #include "audio/pcm_decoder.h"
 
 #include "audio/browser_soundtrack.h"

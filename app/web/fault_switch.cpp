@@ -5,7 +5,7 @@
 
 #include <emscripten/emscripten.h>
 
-// Sets the fault named `name` before kaskade_start; 0 for a name no fault has.
+// Sets the fault named `name` before kaskade_prepare; 0 for a name no fault has.
 extern "C" EMSCRIPTEN_KEEPALIVE int kaskade_fault(const char* name) {
     const Gl11Fault fault = gl11FaultNamed(name);
     if (fault == Gl11Fault::Count) {

@@ -1,7 +1,8 @@
 // kaskade in the browser. The page (index.html, kaskade_page.js) fetches the
-// archive "3d" into the file system and decodes the soundtrack with Web Audio;
-// on the start gesture it calls kaskade_start, and from then on the browser's
-// animation frames run the sequencer until its end path. Keys and mouse
+// archive "3d" into the file system and decodes the soundtrack with Web Audio
+// as it arrives; it calls kaskade_prepare once the archive is in, kaskade_start
+// on the start gesture, and from then on the browser's animation frames run
+// the sequencer until its end path. Keys and mouse
 // presses come from the page as they come from GLUT on the desktop.
 #include "app/sequencer.h"
 #include "app/shell.h"
@@ -10,6 +11,7 @@
 #include "app/web/context_loss.h"
 #include "app/web/page_bridge.h"
 #include "app/web/web_player.h"
+#include "audio/clock.h"
 #include "audio/fixed_step_clock.h"
 #include "audio/music.h"
 #include "base/fatal.h"
@@ -50,13 +52,13 @@ bool createContext() {
     return true;
 }
 
-// The drawing buffer follows the canvas, which the page resizes (always 4:3)
-// for fullscreen. Lines are as thick, relative to the picture, as at 640 x 480
-// where the browser draws wide lines at all.
-void followCanvasSize() {
-    int width = 0;
-    int height = 0;
-    emscripten_get_canvas_element_size("#canvas", &width, &height);
+// clang-format off
+// The size the page wants the next frame drawn at (kaskade_resolution.js),
+// packed as width * 65536 + height.
+EM_JS(int, pageDrawingSize, (), { return Module.kaskadePage.drawingSize(); });
+// clang-format on
+
+void fitViewport(int width, int height) {
     if (width != g_viewportWidth || height != g_viewportHeight) {
         glViewport(0, 0, width, height);
         glLineWidth(static_cast<float>(height) / 480.0f);
@@ -65,11 +67,33 @@ void followCanvasSize() {
     }
 }
 
+// The drawing buffer takes the size the page asks for (always 4:3), set
+// right before the frame is drawn so that no cleared canvas is ever shown.
+// Lines are as thick, relative to the picture, as at 640 x 480 where the
+// browser draws wide lines at all.
+void followCanvasSize() {
+    const int packed = pageDrawingSize();
+    const int width = packed >> 16;
+    const int height = packed & 0xFFFF;
+    int shownWidth = 0;
+    int shownHeight = 0;
+    emscripten_get_canvas_element_size("#canvas", &shownWidth, &shownHeight);
+    if (width > 0 && height > 0 && (width != shownWidth || height != shownHeight)) {
+        emscripten_set_canvas_element_size("#canvas", width, height);
+        shownWidth = width;
+        shownHeight = height;
+    }
+    fitViewport(shownWidth, shownHeight);
+}
+
 // After the GL state went back to its start (a jump): viewport and line width again.
 void refitCanvas() {
+    int width = 0;
+    int height = 0;
+    emscripten_get_canvas_element_size("#canvas", &width, &height);
     g_viewportWidth = 0;
     g_viewportHeight = 0;
-    followCanvasSize();
+    fitViewport(width, height);
 }
 
 void animationFrame() {
@@ -87,14 +111,41 @@ void giveBackOnFatal() {
     pageShowFailed();
 }
 
+// The level the rehearsal's frames see: the soundtrack's before it plays.
+uint32_t silentLevel(AudioHandle) { return 0; }
+
 }  // namespace
 
-// Starts the show at `part` (1..13). `fps` 1..240 runs the fixed-step clock
-// (silent, the soundtrack decoded for its levels), 0 the live show on the
-// AudioContext's clock; `soundtrackDecoded` says whether the page handed over
-// the decoded soundtrack. Returns 0, or 1 when the browser gives no WebGL 2 context.
-extern "C" EMSCRIPTEN_KEEPALIVE int kaskade_start(int fps, int soundtrackDecoded, int part) {
+// Everything the show needs before it starts that takes time and no sound:
+// the WebGL context, the GL start state and, on the live clock, every part
+// met once unseen, so that the start on the viewer's gesture has only the
+// sound to wait for. `fps`: 1..240 for the fixed-step clock, 0 for the live
+// show. Returns 0, or 1 when the browser gives no WebGL 2 context. A damaged
+// archive ends the show here with its report, before anything starts.
+extern "C" EMSCRIPTEN_KEEPALIVE int kaskade_prepare(int fps) {
     setFatalGiveBack(giveBackOnFatal);
+    if (!createContext()) {
+        return 1;
+    }
+    initGlState();
+    installWebPlayer(fps < 0 || fps > MAX_FIXED_FPS ? 0 : fps, refitCanvas);
+    // The live show must not stall at a part's first frame or a jump while the
+    // browser compiles; the fixed-step clock draws each frame at its tick
+    // whatever it costs, and meets a damaged archive where the desktop does.
+    if (fps == 0) {
+        const LevelSource levels = g_levelSource;
+        g_levelSource = silentLevel;
+        rehearseBeforeTheShow();
+        g_levelSource = levels;
+    }
+    return 0;
+}
+
+// Starts the prepared show at `part` (1..13). `fps` as for kaskade_prepare:
+// the fixed-step clock is silent, the soundtrack decoded for its levels;
+// `soundtrackDecoded` says whether the page handed over the soundtrack (live:
+// and that its AudioContext runs).
+extern "C" EMSCRIPTEN_KEEPALIVE void kaskade_start(int fps, int soundtrackDecoded, int part) {
     if (fps < 0 || fps > MAX_FIXED_FPS) {
         fps = 0;
     }
@@ -110,20 +161,8 @@ extern "C" EMSCRIPTEN_KEEPALIVE int kaskade_start(int fps, int soundtrackDecoded
         std::printf("%s\n", warning.c_str());
         pageSay(warning.c_str());
     }
-    if (!createContext()) {
-        return 1;
-    }
-    initGlState();
-    installWebPlayer(fps, refitCanvas);
-    // The live show must not stall at a part's first frame or a jump while the
-    // browser compiles; the fixed-step clock draws each frame at its tick
-    // whatever it costs, and meets a damaged archive where the desktop does.
-    if (fps == 0) {
-        rehearseBeforeTheShow();
-    }
     startShowAt(part >= 1 && part <= PART_COUNT ? part : 1, fps);
     emscripten_set_main_loop(animationFrame, 0, false);
-    return 0;
 }
 
 extern "C" EMSCRIPTEN_KEEPALIVE void kaskade_key(int key) { onKey(static_cast<unsigned char>(key), 0, 0); }
@@ -136,5 +175,5 @@ extern "C" EMSCRIPTEN_KEEPALIVE void kaskade_pause_at_frame(int index) { pauseAt
 
 extern "C" EMSCRIPTEN_KEEPALIVE void kaskade_resume() { emscripten_resume_main_loop(); }
 
-// Nothing runs before the page calls kaskade_start; the runtime stays.
+// Nothing runs before the page calls kaskade_prepare; the runtime stays.
 int main() { return 0; }

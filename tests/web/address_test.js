@@ -10,9 +10,11 @@ const { readAddress } = require(path.resolve(__dirname, '../../app/web/page/kask
 
 describe('the page address', () => {
   test('takes what the show takes and leaves the rest as a plain start', () => {
-    assert.deepEqual(readAddress('', ''), { part: 1, fps: 0, grab: [], stop: [], errors: [] });
+    assert.deepEqual(readAddress('', ''), { part: 1, fps: 0, stats: false, grab: [], stop: [], errors: [] });
     assert.deepEqual(readAddress('?part=13&fps=240&grab=0,17,54457&stop=9', ''),
-                     { part: 13, fps: 240, grab: [0, 17, 54457], stop: [9], errors: [] });
+                     { part: 13, fps: 240, stats: false, grab: [0, 17, 54457], stop: [9], errors: [] });
+    // A bare fps: the live clock with its statistics shown.
+    assert.deepEqual([readAddress('?fps', '').fps, readAddress('?fps', '').stats], [0, true]);
     assert.deepEqual(readAddress('?fps=1&part=01', '').errors, []);
     assert.equal(readAddress('?fps=1&part=01', '').part, 1);
     // Parameters the show does not know are no error, as unknown options are not.
@@ -26,7 +28,7 @@ describe('the page address', () => {
     assert.deepEqual(refused('?part=99'), ['part=99: part needs a part number from 1 to 13']);
     assert.deepEqual(refused('?part=0'), ['part=0: part needs a part number from 1 to 13']);
     // Number() would take each of these.
-    for (const value of ['0x1e', '1e1', '+5', ' 5', '5.0', '', '0b11']) {
+    for (const value of ['0x1e', '1e1', '+5', ' 5', '5.0', '0b11']) {
       assert.equal(refused(`?fps=${encodeURIComponent(value)}`).length, 1, `fps=${value}`);
     }
     // 2^32 would wrap to frame 0 in the show's 32-bit frame numbers.

@@ -2,7 +2,7 @@
 // every animation frame for a few seconds of the live show (part 7, with the
 // soundtrack playing), the demo time the frame was drawn at against the song
 // position the AudioContext's output plays at that moment, worked out from its
-// output timestamp and the start the page scheduled. Also what the clock would
+// output timestamp and the pieces of the song the page scheduled. Also what the clock would
 // be off by had it followed the context's own time (what is handed to the
 // audio system), and the latencies the context reports. A report, not a test.
 // What no page can see is left out: the frame reaches the screen at the next
@@ -28,7 +28,7 @@ function sampleInPage(seconds) {
       const stamp = context.getOutputTimestamp();
       const now = performance.now();
       const heard = stamp.contextTime * 1000 + (now - stamp.performanceTime);
-      const position = (contextMillis) => audio.started.offsetMillis + (contextMillis - audio.started.contextMillis);
+      const position = (contextMillis) => audio.songMillisAt(contextMillis);
       const demoMillis = Module._kaskade_player_state(4) * 100;
       samples.push({
         heard: demoMillis - position(heard),

@@ -10,25 +10,46 @@ const { chromium } = require('playwright-core');
 
 const TYPES = {
   '.html': 'text/html', '.js': 'text/javascript', '.css': 'text/css', '.wasm': 'application/wasm',
-  '.mp3': 'audio/mpeg', '.png': 'image/png',
+  '.mp3': 'audio/mpeg', '.png': 'image/png', '.json': 'application/json',
 };
 
-// Serves the files of `root`; resolves to {url, close()}, close() resolving
-// once the server and every connection to it are closed. `replaced` maps a
-// file name to the bytes served in its place, or to null for a missing file.
-function serveSite(root, replaced = {}) {
+// Serves the files of `root`, a byte range where one is asked for; resolves
+// to {url, close()}, close() resolving once the server and every connection
+// to it are closed. `replaced` maps a file name to the bytes served in its
+// place ({type, body} for another Content-Type), or to null for a missing
+// file. With `precompressed`, a file's .br or .gz copy goes to a browser that
+// asks for it, as caddy's `precompressed br gzip` sends them.
+function serveSite(root, replaced = {}, precompressed = false) {
   const server = http.createServer((request, response) => {
     const name = decodeURIComponent(new URL(request.url, 'http://localhost').pathname).replace(/^\//, '') ||
       'index.html';
-    const file = path.join(root, name);
-    const type = { 'Content-Type': TYPES[path.extname(name)] || 'application/octet-stream' };
+    let file = path.join(root, name);
+    const given = replaced[name];
+    const headers = { 'Content-Type': (given && given.type) || TYPES[path.extname(name)] || 'application/octet-stream' };
     if (name in replaced) {
-      replaced[name] === null ? response.writeHead(404).end() : response.writeHead(200, type).end(replaced[name]);
-    } else if (file.startsWith(root) && fs.existsSync(file) && fs.statSync(file).isFile()) {
-      response.writeHead(200, type);
-      fs.createReadStream(file).pipe(response);
-    } else {
+      given === null ? response.writeHead(404).end() : response.writeHead(200, headers).end(given.body || given);
+      return;
+    }
+    if (!file.startsWith(root) || !fs.existsSync(file) || !fs.statSync(file).isFile()) {
       response.writeHead(404).end();
+      return;
+    }
+    const copy = [['br', '.br'], ['gzip', '.gz']].find(([encoding, suffix]) =>
+      precompressed && (request.headers['accept-encoding'] || '').includes(encoding) && fs.existsSync(file + suffix));
+    if (copy) {
+      Object.assign(headers, { 'Content-Encoding': copy[0], Vary: 'Accept-Encoding' });
+      file += copy[1];
+    }
+    const size = fs.statSync(file).size;
+    const range = /^bytes=(\d+)-(\d*)$/.exec(request.headers.range || '');
+    if (range && !copy && Number(range[1]) < size) {
+      const [start, end] = [Number(range[1]), range[2] ? Math.min(Number(range[2]), size - 1) : size - 1];
+      response.writeHead(206, { ...headers, 'Content-Range': `bytes ${start}-${end}/${size}`,
+                                'Content-Length': end - start + 1 });
+      fs.createReadStream(file, { start, end }).pipe(response);
+    } else {
+      response.writeHead(200, { ...headers, 'Content-Length': size });
+      fs.createReadStream(file).pipe(response);
     }
   });
   return new Promise((resolve) => {

@@ -1,6 +1,8 @@
 // The page says what went wrong where the viewer looks: a fatal report over
 // the stage, out of fullscreen; an address the show does not take, named with
-// what it accepts, and nothing started. Headless Chromium as in show_test.js.
+// what it accepts, and nothing started; a host that sends a file cut short,
+// a web page or nothing in a file's place, named before the show starts.
+// Headless Chromium as in show_test.js.
 'use strict';
 
 const assert = require('node:assert/strict');
@@ -70,11 +72,14 @@ after(async () => {
 describe('a fatal report', () => {
   test('in fullscreen leaves fullscreen and stands over the stage', async () => {
     const archive = archiveWithout(fs.readFileSync(path.join(SITE, '3d')), 'stil.3ds');
-    await withPage(browser, { '3d': archive }, async (page, url) => {
+    const sizes = { ...JSON.parse(fs.readFileSync(path.join(SITE, 'files.json'))), '3d': archive.length };
+    await withPage(browser, { '3d': archive, 'files.json': JSON.stringify(sizes) }, async (page, url) => {
       // Paused in part 1, so that the fullscreen button is pressed before part 2's set-up fails.
       await page.goto(`${url}?fps=4&stop=8`);
       await page.waitForFunction(() => ['paused', 'failed'].includes(window.kaskade.state), null, { timeout: 120000 });
-      await page.locator('#fullscreen').click();
+      await page.mouse.move(300, 200);
+      await page.mouse.move(320, 220);
+      await page.locator('#bar-fullscreen').click();
       await page.waitForFunction(() => document.fullscreenElement !== null, null, { timeout: 10000 });
       await page.evaluate(() => window.kaskade.resume());
       await page.waitForFunction(() => window.kaskade.state === 'failed', null, { timeout: 60000 });
@@ -132,4 +137,42 @@ describe('an address the show does not take', () => {
       assert.deepEqual(errors, []);
     });
   });
+});
+
+describe('a damaged host', () => {
+  const archive = fs.existsSync(path.join(SITE, '3d')) ? fs.readFileSync(path.join(SITE, '3d')) : Buffer.alloc(0);
+  const megabytes = (bytes) => (bytes / 1e6).toFixed(2);
+  const webPage = { type: 'text/html', body: '<!doctype html><title>kaskade</title>' };
+  for (const [what, replaced, said, plays] of [
+    ['a 3d cut to half', { '3d': archive.subarray(0, archive.length / 2) },
+     `3d: ${megabytes(archive.length / 2)} MB arrived, ${megabytes(archive.length)} MB expected — the host cut the file`],
+    ['a web page in place of 3d', { '3d': webPage }, '3d: the host sent a web page (text/html) instead of the archive'],
+    ['no 3d', { '3d': null }, '3d: the host has no such file (HTTP 404)'],
+    ['a web page in place of kaskade.wasm', { 'kaskade.wasm': webPage },
+     "kaskade.wasm: the host sent a web page (text/html) instead of the show's WebAssembly code"],
+    ['no harbour.mp3', { 'harbour.mp3': null }, 'harbour.mp3: the host has no such file (HTTP 404): the show runs without sound.',
+     true],
+    ['a text in place of harbour.mp3', { 'harbour.mp3': Buffer.from('this is not an MP3 file\n'.repeat(64)) },
+     /^harbour\.mp3: the host sent something else than an MP3 soundtrack \(it begins "this is not an/, true],
+  ]) {
+    test(`${what} is named${plays ? ', and the show plays without sound' : ', and nothing starts'}`, async () => {
+      await withPage(browser, replaced, async (page, url, errors) => {
+        await page.goto(url);
+        await page.waitForFunction(() => ['ready', 'failed'].includes(window.kaskade.state), null, { timeout: 60000 });
+        const seen = await page.evaluate(() => ({ state: window.kaskade.state, status: document.getElementById('status').textContent,
+          startOff: document.getElementById('start').disabled, loading: window.kaskade.loading }));
+        assert.match(seen.status, typeof said === 'string' ? new RegExp(`^${said.replace(/[.()]/g, '\\$&')}$`) : said);
+        assert.deepEqual([seen.state, seen.startOff], plays ? ['ready', false] : ['failed', true]);
+        if (plays) {
+          assert.deepEqual([seen.loading.loaded, seen.loading.percent], [seen.loading.total, 100], 'what came, in full');
+          await page.locator('#start').click();
+          await page.waitForFunction(() => window.kaskade.partCounts()[0].frames > 3, null, { timeout: 30000 });
+          await page.keyboard.press('Escape');
+          await page.waitForFunction(() => window.kaskade.state === 'ended', null, { timeout: 10000 });
+        }
+        // The browser's own line for a 404 is no error of the page's.
+        assert.deepEqual(errors.filter((line) => !/status of 404/.test(line)), []);
+      });
+    });
+  }
 });

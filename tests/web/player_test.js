@@ -1,7 +1,7 @@
 // The page as a player, in headless Chromium as in show_test.js: the control
-// bar comes with the mouse and goes, its part marks jump to the frames a show
+// bar comes with the mouse and goes, its timeline jumps to the frames a show
 // started at that part draws, the address names the part and opens there,
-// Space pauses picture and sound, and a tap does what a mouse movement does.
+// and Space pauses picture and sound (screens_test.js: taps, phones).
 'use strict';
 
 const assert = require('node:assert/strict');
@@ -44,18 +44,13 @@ after(async () => {
   site.close();
 });
 
-// A page of its own for `use`, closed whatever happens; `options` for the page (touch).
-async function withPage(use, options = {}) {
+// A page of its own for `use`, closed whatever happens.
+async function withPage(use) {
   const errors = [];
-  const page = options.hasTouch
-    ? await (await browser.newContext({ hasTouch: true, viewport: { width: 760, height: 600 } })).newPage()
-    : await openPage(browser, errors);
-  page.setDefaultNavigationTimeout(120000);
-  page.on('pageerror', (error) => errors.push(String(error)));
+  const page = await openPage(browser, errors);
   try {
     await use(page, errors);
   } finally {
-    await page.context().close().catch(() => {});
     await page.close().catch(() => {});
   }
 }
@@ -70,7 +65,8 @@ async function startLive(page, address = '') {
 }
 
 describe('the control bar', () => {
-  test('shows on mouse movement, hides two seconds after it, and takes clicks without ending the show', async () => {
+  // Its clicks and taps: screens_test.js.
+  test('shows on mouse movement and hides two seconds after it', async () => {
     await withPage(async (page, errors) => {
       await startLive(page);
       assert.equal(await barShown(page), false, 'hidden at the start');
@@ -80,25 +76,11 @@ describe('the control bar', () => {
       assert.equal(await barShown(page), true, 'shown after the mouse moved');
       await page.waitForTimeout(2600);
       assert.equal(await barShown(page), false, 'hidden after two seconds without');
-
-      await page.mouse.move(300, 200);
-      await page.locator('#play').click();
-      await page.waitForFunction(() => Module._kaskade_player_state(0) === 1, null, { timeout: 5000 });
-      await page.locator('#mute').click();
-      // The bar anywhere in a part's stretch: four fifths along the show is part 12.
-      const timeline = await page.locator('#timeline').boundingBox();
-      await page.mouse.click(timeline.x + timeline.width * 0.8, timeline.y + timeline.height / 2);
-      await page.waitForFunction(() => Module._kaskade_player_state(3) === 12, null, { timeout: 5000 });
-      await page.locator('#play').click();
-      await page.waitForTimeout(300);
-      assert.deepEqual(await playerState(page).then(({ paused, muted }) => ({ paused, muted })),
-                       { paused: false, muted: true });
-      assert.equal(await page.evaluate(() => window.kaskade.state), 'playing', 'clicks on the bar end nothing');
       assert.deepEqual(errors, []);
     });
   });
 
-  test("the mark of part 7 starts part 7 with the frames of a show started there, under an address that says so", async () => {
+  test("part 7's place on the timeline starts part 7 with the frames of a show started there, under an address that says so", async () => {
     const first = firstFrameOf(7);
     const grabbed = [first, first + 3];
     const frames = {};
@@ -112,7 +94,8 @@ describe('the control bar', () => {
           await waitForState(page, ['paused', 'failed'], 120000);
           await page.mouse.move(300, 200);
           await page.mouse.move(320, 230);
-          await page.locator('.mark[data-part="7"]').click();
+          const timeline = await page.locator('#timeline').boundingBox();
+          await page.mouse.click(timeline.x + (timeline.width * (ENDS[6] + ENDS[7])) / 2 / ENDS[13], timeline.y + 20);
           historyLength = await page.evaluate(() => history.length);
           await page.evaluate(() => window.kaskade.resume());
         }
@@ -219,23 +202,5 @@ describe('keys', () => {
       assert.equal(await page.evaluate(() => window.kaskade.state), 'playing');
       assert.deepEqual(errors, []);
     });
-  });
-});
-
-describe('touch', () => {
-  test('a tap starts the show from its cover, and a tap on the picture shows the bar instead of ending the show', async () => {
-    await withPage(async (page) => {
-      await page.goto(site.url);
-      await page.waitForFunction(() => window.kaskade.state === 'ready', null, { timeout: 120000 });
-      await page.touchscreen.tap(380, 250);
-      await waitForState(page, ['playing', 'failed'], 20000);
-      assert.equal(await page.evaluate(() => window.kaskade.state), 'playing');
-      await page.waitForTimeout(300);
-      assert.equal(await barShown(page), false);
-      await page.touchscreen.tap(380, 250);
-      await page.waitForTimeout(400);
-      assert.equal(await barShown(page), true, 'the tap shows the bar');
-      assert.equal(await page.evaluate(() => window.kaskade.state), 'playing', 'and ends nothing');
-    }, { hasTouch: true });
   });
 });

@@ -98,14 +98,14 @@ describe('the fixed-step show', () => {
 });
 
 describe('the live show', () => {
-  test('waits for a gesture, plays on the AudioContext clock, goes fullscreen in 4:3 and ends on a mouse press',
+  test('waits for a gesture, plays on the AudioContext clock, goes fullscreen in 4:3 on f and ends on a mouse press',
        { timeout: 5 * MINUTE }, () => onServedPage(browser, SITE, {}, async (page, url, errors) => {
     const logged = [];
     page.on('console', (message) => logged.push(message.text()));
     await page.goto(url);
     await page.waitForFunction(() => window.kaskade.state === 'ready', null, { timeout: 60000 });
     assert.equal(await page.locator('#cover h1').textContent(), 'kaskade');
-    assert.equal(await page.evaluate(() => window.kaskade.soundtrack), 'decoded');
+    assert.match(await page.evaluate(() => window.kaskade.soundtrack), /^(streaming|decoded)$/);
 
     await page.keyboard.press('Space');
     await waitForState(page, ['playing', 'failed'], 10000);
@@ -117,14 +117,16 @@ describe('the live show', () => {
     assert.equal(demoTimes.length, 1, 'r writes the demo time to the console');
     assert.ok(demoTimes[0] > 5 && demoTimes[0] < 600, `demo time ${demoTimes[0]} after about two seconds`);
 
-    await page.locator('#fullscreen').click();
+    await page.keyboard.press('f');
     await page.waitForFunction(() => document.fullscreenElement !== null, null, { timeout: 10000 });
     await page.waitForTimeout(300);
-    const frame = await page.evaluate(() => ({ width: canvas.width, height: canvas.height, screenWidth: innerWidth,
-                                               screenHeight: innerHeight, state: window.kaskade.state }));
+    const frame = await page.evaluate(() => ({ ...document.getElementById('picture').getBoundingClientRect().toJSON(),
+                                               screenWidth: innerWidth, screenHeight: innerHeight,
+                                               state: window.kaskade.state }));
     assert.equal(frame.state, 'playing', 'the fullscreen button does not end the show');
     assert.ok(Math.abs(frame.width * 3 - frame.height * 4) <= 4, `${frame.width} x ${frame.height} is 4:3`);
-    assert.ok(frame.width === frame.screenWidth || frame.height === frame.screenHeight, 'the frame fills the screen');
+    assert.ok(Math.abs(frame.width - frame.screenWidth) < 1 || Math.abs(frame.height - frame.screenHeight) < 1,
+              'the frame fills the screen');
 
     await page.mouse.click(320, 240);
     await waitForState(page, ['ended', 'failed'], 10000);
@@ -134,38 +136,6 @@ describe('the live show', () => {
 });
 
 describe('bad content', () => {
-  test('a soundtrack the browser cannot decode is said on the page; the show runs without sound until Escape',
-       { timeout: 3 * MINUTE }, () => onServedPage(browser, SITE,
-                                                   { 'harbour.mp3': Buffer.from('this is not an MP3 file\n'.repeat(64)) },
-                                                   async (page, url, errors) => {
-    await page.goto(url);
-    await waitForState(page, ['ready', 'failed'], MINUTE);
-    assert.match(await page.locator('#status').textContent(), /harbour\.mp3 does not decode in this browser: the show runs without sound/);
-    await page.locator('#start').click();
-    await page.waitForFunction(() => window.kaskade.partCounts()[0].frames > 3, null, { timeout: 30000 });
-    assert.equal(await page.evaluate(() => window.kaskade.state), 'playing');
-    await page.keyboard.press('Escape');
-    await waitForState(page, ['ended', 'failed'], 10000);
-    assert.equal(await page.evaluate(() => window.kaskade.state), 'ended');
-    assert.deepEqual(errors, []);
-  }));
-
-  test("an archive cut short ends the show with the library's report on the page", { timeout: 3 * MINUTE }, () => {
-    const archive = fs.readFileSync(path.join(SITE, '3d')).subarray(0, 300000);
-    return onServedPage(browser, SITE, { '3d': archive }, async (page, url) => {
-      await page.goto(`${url}?fps=${FPS}`);
-      await waitForState(page, ['failed'], MINUTE);
-      assert.match(await page.locator('#status').textContent(), /^KOBALT LIBRARY ERROR: File not found : /);
-    });
-  });
-
-  test('a missing archive is said on the page, and nothing starts', { timeout: 3 * MINUTE },
-       () => onServedPage(browser, SITE, { '3d': null }, async (page, url) => {
-    await page.goto(`${url}?fps=${FPS}`);
-    await waitForState(page, ['failed'], MINUTE);
-    assert.match(await page.locator('#status').textContent(), /The archive "3d" could not be loaded \(HTTP 404\)/);
-  }));
-
   test('the shipped site has no deliberate drawing mistakes: ?fault= says so and nothing starts',
        { timeout: 3 * MINUTE }, () => onServedPage(browser, SITE, {}, async (page, url) => {
     await page.goto(`${url}?fps=${FPS}&fault=ambient`);

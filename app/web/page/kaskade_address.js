@@ -6,7 +6,8 @@
 //
 //   part=N     the part to start at, 1 to 13 (also #part=N, the player's
 //              address; a parameter wins over the fragment)
-//   fps=N      the fixed-step clock, 1 to 240 frames per second
+//   fps=N      the fixed-step clock, 1 to 240 frames per second; a bare
+//              `fps` (no value) asks for the frame-rate statistics instead
 //   grab=a,b   frames, counted from 0, read back for the tests
 //   stop=a,b   frames after which the show pauses for the tests
 //
@@ -32,7 +33,7 @@
     part: { what: `a part number from 1 to ${PARTS}`, read: (text) => wholeNumber(text, 1, PARTS) },
     fps: {
       what: `a whole number of frames per second from 1 to ${MAX_FIXED_FPS}`,
-      read: (text) => wholeNumber(text, 1, MAX_FIXED_FPS),
+      read: (text) => (text === '' ? 0 : wholeNumber(text, 1, MAX_FIXED_FPS)),
     },
     grab: { what: `frame numbers from 0 to ${MAX_FRAME}, separated by commas`, read: frameList },
     stop: { what: `frame numbers from 0 to ${MAX_FRAME}, separated by commas`, read: frameList },
@@ -50,10 +51,11 @@
   }
 
   // `search` and `hash` as location has them ("?fps=4&part=2", "#part=9").
-  // Returns { part, fps, grab, stop, errors }: part 1 and fps 0 (the live
-  // clock) unless asked for, empty lists, and one sentence per refused value.
+  // Returns { part, fps, stats, grab, stop, errors }: part 1 and fps 0 (the
+  // live clock) unless asked for, stats true for a bare `fps`, empty lists,
+  // and one sentence per refused value.
   function readAddress(search, hash) {
-    const wanted = { part: 1, fps: 0, grab: [], stop: [], errors: [] };
+    const wanted = { part: 1, fps: 0, stats: false, grab: [], stop: [], errors: [] };
     const params = new URLSearchParams(search);
     const fragment = new URLSearchParams((hash || '').replace(/^#/, ''));
     for (const name of Object.keys(RULES)) {
@@ -71,6 +73,7 @@
           wanted.errors.push(refusal(name, given[0]));
         } else {
           wanted[name] = value;
+          wanted.stats = wanted.stats || (name === 'fps' && value === 0);
         }
       }
     }

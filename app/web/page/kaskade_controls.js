@@ -1,12 +1,21 @@
-// The player's control bar over the bottom of the stage: play and pause, the
-// timeline with the thirteen parts marked and the time (a mark, or the bar
-// anywhere in a part, jumps to that part's start), mute and volume, and
-// fullscreen. It shows on mouse movement or a tap and hides 2 s after the
-// last one (not while the pointer rests on it). The show keeps the player's
-// state (app/player.h); the bar reads it every animation frame, as does the
+// The player's control bar over the bottom of the picture: play and pause,
+// the timeline with the thirteen parts marked, how much of the music has
+// arrived and the time, mute and volume, and fullscreen. It shows on mouse
+// movement or a tap and hides 2 s after the last one (not while the pointer
+// rests on it or holds the timeline). The show keeps the player's state
+// (app/player.h); the bar reads it every animation frame, as does the
 // address, which follows the part played (#part=N, replaced, not pushed).
+//
+// The timeline is one target as tall as a finger: a press anywhere on it
+// picks the part whose stretch the place falls in (a place on a mark picks
+// the part that starts there), shows that part's number above the place
+// while it is held and follows the pointer as it moves; letting go jumps
+// there. A press that leaves the timeline sideways still counts, by where
+// it is let go. A control used with the pointer gives the keyboard back, so
+// that Space and the arrows stay the show's.
+//
 // The picture a pause leaves is kept here too, so that it stays whatever
-// happens to the canvas (fullscreen resizes it).
+// happens to the canvas (a new drawing size clears it).
 'use strict';
 
 (function (root) {
@@ -17,9 +26,11 @@
 
   const partStart = (part) => (part <= 1 ? 0 : PART_ENDS[part - 2]);
 
-  // The part whose span holds `tenths` of demo time.
-  function partAt(tenths) {
-    const part = PART_ENDS.findIndex((end) => tenths <= end);
+  // The part whose stretch holds `fraction` (0..1) of the timeline; a place
+  // on the boundary of two parts is the later one's start.
+  function partAtPlace(fraction) {
+    const tenths = Math.min(1, Math.max(0, fraction)) * SHOW_TENTHS;
+    const part = PART_ENDS.findIndex((end) => tenths < end);
     return part < 0 ? PART_ENDS.length : part + 1;
   }
 
@@ -29,23 +40,22 @@
     return `${Math.floor(seconds / 60)}:${String(seconds % 60).padStart(2, '0')}`;
   }
 
-  // `elements`: stage, bar, play, time, timeline, played, mute, volume,
-  // fullscreen (the bar's button), held (a 2D canvas over the show's canvas),
-  // canvas. `show`: the show's exports (Module). `toggleFullscreen`: the page's.
+  // `elements`: stage, bar, play, time, timeline, played, loaded, heldPart
+  // (the part number shown while the timeline is held), mute, volume,
+  // fullscreen (the bar's button), held (a 2D canvas over the show's
+  // canvas), canvas. `show`: the show's exports (Module). `toggleFullscreen`: the page's.
   function makeControls(elements, show, toggleFullscreen) {
     const e = elements;
     let active = false;
     let hideTimer = 0;
     let overBar = false;
+    let holding = false;
     let lastPart = 0;
 
     for (let part = 1; part <= PART_ENDS.length; ++part) {
-      const mark = document.createElement('button');
-      mark.type = 'button';
+      const mark = document.createElement('div');
       mark.className = 'mark';
       mark.dataset.part = String(part);
-      mark.title = `part ${part}`;
-      mark.setAttribute('aria-label', `part ${part}`);
       mark.style.left = `${(100 * partStart(part)) / SHOW_TENTHS}%`;
       e.timeline.appendChild(mark);
     }
@@ -53,7 +63,7 @@
     function hideSoon() {
       clearTimeout(hideTimer);
       hideTimer = setTimeout(() => {
-        if (!overBar) {
+        if (!overBar && !holding) {
           e.bar.classList.remove('shown');
         }
       }, HIDE_AFTER_MILLIS);
@@ -113,7 +123,7 @@
       overBar = false;
       hideSoon();
     });
-    // A clicked button gives the focus back, so that Space and the arrows stay the show's.
+    // A clicked button gives the focus back.
     const onClick = (button, act) => button.addEventListener('click', () => {
       act();
       button.blur();
@@ -122,15 +132,52 @@
     onClick(e.mute, () => show._kaskade_toggle_mute());
     onClick(e.fullscreen, () => toggleFullscreen());
     e.volume.addEventListener('input', () => show._kaskade_set_volume(Number(e.volume.value)));
-    e.timeline.addEventListener('click', (event) => {
-      const mark = event.target.closest('.mark');
-      let part = mark ? Number(mark.dataset.part) : 0;
-      if (!part) {
-        const box = e.timeline.getBoundingClientRect();
-        part = partAt(((event.clientX - box.left) / box.width) * SHOW_TENTHS);
+    // The slider keeps the keyboard only when it was reached with it (Tab).
+    e.volume.addEventListener('pointerup', () => e.volume.blur());
+    e.volume.addEventListener('change', () => {
+      if (!e.volume.matches(':focus-visible')) {
+        e.volume.blur();
       }
-      show._kaskade_jump_to(part);
     });
+
+    // The timeline held: the part under the pointer, shown above it.
+    const placeOf = (event) => {
+      const box = e.timeline.getBoundingClientRect();
+      return Math.min(1, Math.max(0, (event.clientX - box.left) / box.width));
+    };
+    const showHeld = (event) => {
+      const place = placeOf(event);
+      e.heldPart.textContent = `part ${partAtPlace(place)}`;
+      e.heldPart.style.left = `${100 * place}%`;
+      e.heldPart.hidden = false;
+    };
+    e.timeline.addEventListener('pointerdown', (event) => {
+      if (!active || event.button !== 0) {
+        return;
+      }
+      holding = true;
+      e.timeline.setPointerCapture(event.pointerId);
+      reveal();
+      showHeld(event);
+    });
+    e.timeline.addEventListener('pointermove', (event) => {
+      if (holding) {
+        showHeld(event);
+      }
+    });
+    const letGo = (event, jump) => {
+      if (!holding) {
+        return;
+      }
+      holding = false;
+      e.heldPart.hidden = true;
+      hideSoon();
+      if (jump) {
+        show._kaskade_jump_to(partAtPlace(placeOf(event)));
+      }
+    };
+    e.timeline.addEventListener('pointerup', (event) => letGo(event, true));
+    e.timeline.addEventListener('pointercancel', (event) => letGo(event, false));
 
     return {
       // The show plays: the bar works from now on.
@@ -148,6 +195,10 @@
       tapped() {
         reveal();
       },
+      // How much of the music has arrived, 0..1.
+      songLoaded(fraction) {
+        e.loaded.style.width = `${Math.min(100, 100 * fraction)}%`;
+      },
       // The frame just drawn is the last before a pause: it stays on view.
       holdPicture() {
         e.held.width = e.canvas.width;
@@ -161,7 +212,7 @@
     };
   }
 
-  const api = { makeControls, partAt, clockText, PART_ENDS };
+  const api = { makeControls, partAtPlace, partStart, clockText, PART_ENDS };
   if (typeof module === 'object' && module.exports) {
     module.exports = api;
   } else {

@@ -1,15 +1,18 @@
 // The page around the show: it fetches the program, the archive "3d" and the
-// soundtrack with their loading progress on the cover (kaskade_loading.js),
-// decodes the soundtrack with Web Audio, starts the show on a gesture (the
-// browser allows sound only after one), passes keys and mouse presses on,
-// plays the soundtrack whose AudioContext is the show's clock, and says on the
-// page how the show ended.
+// soundtrack, checked as they arrive, with their progress on the cover
+// (kaskade_loading.js); decodes the soundtrack while it arrives
+// (kaskade_soundtrack.js); offers the start once the program, the archive and
+// the first seconds of the music are in, and starts on a gesture (the browser
+// allows sound only after one); passes keys and mouse presses on; and says on
+// the page how the show ended.
 //
 // URL parameters, for tests and frame-exact looks (the deterministic mode),
 // read by kaskade_address.js; a value it refuses is said and nothing starts:
 //   part=N     starts at part N (1..13), with what the parts before leave behind
 //   fps=N      the fixed-step clock at N frames/s (1..240): silent, the
-//              soundtrack decoded for its levels only, started at once
+//              soundtrack decoded for its levels only, started at once, drawn
+//              at 640 x 480; a bare `fps` shows the frame rate and the size
+//              the picture is drawn at instead (kaskade_resolution.js)
 //   grab=a,b   frames (the whole show's, counted from 0) read back into
 //              window.kaskade.frames
 //   stop=a,b   frames after which the show pauses; window.kaskade.resume() goes on
@@ -23,15 +26,18 @@
   const SOUNDTRACK = 'harbour.mp3';
   const PROGRAM = 'kaskade.js';
   const PROGRAM_CODE = 'kaskade.wasm';
-  const SAMPLE_RATE = 44100;  // the show's levels are measured at this rate
-  const START_AHEAD_SECONDS = 0.02;  // a start scheduled this far ahead is heard whole
-  const MAX_SOUNDTRACK_FRAMES = SAMPLE_RATE * 60 * 10;  // as the show accepts
+  const START_SECONDS = 2;         // of music decoded from where the show starts, before it may
+  const FIRST_PIECE_SECONDS = 6;  // of music asked for before the rest, by the show's length
+  const REST_AFTER_MILLIS = 3000;  // after the start is offered, the rest of the music comes anyway
+  const NOTICE_MILLIS = 8000;
 
   const params = new URLSearchParams(location.search);
   // kaskade_address.js reads what the address asks for; a refused value starts nothing.
   const address = window.kaskadeAddress.readAddress(location.search, location.hash);
   const fixedFps = address.fps;
-  const firstPart = address.part;
+  let firstPart = address.part;
+  const { PART_ENDS, partStart } = window.kaskadeControls;
+  const SHOW_SECONDS = PART_ENDS[PART_ENDS.length - 1] / 10;
 
   const byId = (id) => document.getElementById(id);
   const canvas = byId('canvas');
@@ -40,19 +46,19 @@
   const startButton = byId('start');
   const statusLine = byId('status');
   const notice = byId('notice');
-  let controls = null;  // the player's bar (kaskade_controls.js), once the page is set up
   const failure = byId('failure');
-  const NOTICE_MILLIS = 8000;
+  let controls = null;  // the player's bar (kaskade_controls.js), once the page is set up
 
   // What the page knows, for tests and the curious: window.kaskade.
   const kaskade = {
     state: 'loading',  // loading, ready, starting, playing, paused, ended, failed
-    soundtrack: '',    // 'decoded', or why not
+    soundtrack: 'loading',  // 'streaming' once it can play, 'decoded' once all of it is, else why not
     frames: {},        // grabbed frames by index: {width, height, rgba (rows bottom up)}
     pausedAt: -1,
     endLine: '',
     messages: [],      // what the show wrote to standard error
     loading: null,     // the files' loading progress (kaskade_loading.js)
+    resolution: null,  // the drawing size chosen (kaskade_resolution.js)
     resume() {
       if (kaskade.state === 'paused') {
         kaskade.state = 'playing';
@@ -87,6 +93,9 @@
   // The show cannot go on: the report over the stage, out of fullscreen, where
   // it stays (and on the status line).
   function fail(text) {
+    if (kaskade.state === 'failed') {
+      return;
+    }
     kaskade.state = 'failed';
     cover.classList.add('hidden');
     if (controls) {
@@ -101,68 +110,40 @@
     }
   }
 
-  // The soundtrack's player; what its context plays out now is the show's clock.
-  const audio = {
-    context: null,
-    buffer: null,
-    source: null,
-    gain: null,
-    started: null,  // the last start: the context's time (ms) it is heard from, the song's position (ms) there
-    last: 0,
-    // The context's time (ms) of the sample the output device plays now: the
-    // output timestamp, carried on with the page's clock between the
-    // context's steps; else the context's time less the latencies it reports.
-    // Never ahead of what the context has rendered, never going back.
-    heardMillis() {
-      const context = audio.context;
-      const rendered = context.currentTime * 1000;
-      let heard = rendered - ((context.outputLatency || 0) + (context.baseLatency || 0)) * 1000;
-      const stamp = context.getOutputTimestamp ? context.getOutputTimestamp() : null;
-      if (stamp && stamp.performanceTime > 0 && stamp.contextTime > 0) {
-        heard = stamp.contextTime * 1000;
-        if (context.state === 'running') {
-          heard += performance.now() - stamp.performanceTime;
-        }
-      }
-      audio.last = Math.max(audio.last, Math.min(heard, rendered));
-      return audio.last;
-    },
-    // Plays the song from `offsetSeconds`, a little ahead so that the start
-    // is not cut; returns the context's time (ms) at which it starts.
-    play(loop, offsetSeconds) {
-      audio.stop();
-      const context = audio.context;
-      if (!audio.gain) {
-        audio.gain = context.createGain();
-        audio.gain.connect(context.destination);
-      }
-      const source = context.createBufferSource();
-      source.buffer = audio.buffer;
-      source.loop = loop;
-      source.connect(audio.gain);
-      const when = context.currentTime + START_AHEAD_SECONDS;
-      source.start(when, offsetSeconds);
-      audio.source = source;
-      audio.started = { contextMillis: when * 1000, offsetMillis: offsetSeconds * 1000 };
-      return when * 1000;
-    },
-    stop() {
-      if (audio.source) {
-        audio.source.stop();
-        audio.source.disconnect();
-        audio.source = null;
-      }
-    },
-    // A pause stops the context itself: its time stands, and what it plays.
-    pause(paused) {
-      (paused ? audio.context.suspend() : audio.context.resume()).catch(() => {});
-    },
-    setGain(gain) {
-      if (audio.gain) {
-        audio.gain.gain.value = gain;
-      }
-    },
-  };
+  // The soundtrack: decoded as it arrives, played by its own player, whose
+  // output is the show's clock; the decoded samples go to the show for its levels.
+  const song = window.kaskadeSoundtrack.makeSong(() => songMovedOn());
+  const player = window.kaskadeSoundtrack.makePlayer(song);
+  let handOver = null;  // once the show's runtime is up
+
+  function songMovedOn() {
+    if (song.failed) {
+      soundtrackLost(`${SOUNDTRACK} ${song.failed}`);
+      return;
+    }
+    if (handOver && !handOver()) {
+      soundtrackLost(`${SOUNDTRACK} is longer than ten minutes`);
+      return;
+    }
+    if (song.brokeOff && kaskade.soundtrack !== 'decoded') {
+      say(`${SOUNDTRACK} ${song.brokeOff}: the song ends there.`);
+    }
+    if (['loading', 'streaming'].includes(kaskade.soundtrack) && song.total > 0) {
+      kaskade.soundtrack = song.complete ? 'decoded' : 'streaming';
+    }
+    player.pump();
+    controls.songLoaded(song.total > 0 ? song.decoded / song.total : 0);
+    whenLoaded();
+  }
+
+  // A soundtrack that cannot be played: said plainly, and the show runs without sound.
+  function soundtrackLost(reason, remark = '') {
+    if (['decoded', 'streaming', 'loading'].includes(kaskade.soundtrack) && kaskade.state !== 'failed') {
+      kaskade.soundtrack = reason;
+      say(`${reason}: the show runs without sound.${remark}`);
+    }
+    whenLoaded();
+  }
 
   const page = {
     frameGrabbed(index, rgba, width, height) {
@@ -189,6 +170,11 @@
       controls.holdPicture();
     },
     toggleFullscreen,
+    // The size to draw the next frame at, packed as width * 65536 + height.
+    drawingSize() {
+      const { width, height } = resolution.sizeForFrame();
+      return width * 65536 + height;
+    },
   };
 
   const Module = {
@@ -204,92 +190,40 @@
       fail('The show could not run: ' + what);
     },
     onRuntimeInitialized() {
-      runtimeReady = true;
-      whenLoaded();
+      handOver = window.kaskadeSoundtrack.makeHandOver(song, SOUNDTRACK, Module);
+      songMovedOn();
     },
-    kaskadeAudio: audio,
+    kaskadeAudio: player,
     kaskadePage: page,
   };
   window.Module = Module;
 
-  let runtimeReady = false;
-  let archive = null;      // bytes of "3d"
-  let decoded = false;     // the soundtrack was handed to the show
-  let contentLoaded = false;
+  let archive = null;  // bytes of "3d", until they go into the show's file system
+  let prepared = false;
 
-  // Decoded at 44,100 Hz whatever the output's rate, so that the levels are those of the desktop.
-  async function decodeSoundtrack(bytes) {
-    const decoder = new OfflineAudioContext({ numberOfChannels: 2, length: 1, sampleRate: SAMPLE_RATE });
-    return decoder.decodeAudioData(bytes.buffer);
-  }
-
-  async function loadContent(files) {
-    const [archiveResult, songResult] = await Promise.allSettled([files[ARCHIVE], files[SOUNDTRACK]]);
-    if (archiveResult.status === 'rejected') {
-      fail(`The archive "${ARCHIVE}" could not be loaded (${archiveResult.reason.message}): ` +
-           'the show needs it beside this page.');
-      return;
-    }
-    archive = archiveResult.value;
-    startButton.textContent = 'decoding the soundtrack…';
-    if (songResult.status === 'rejected') {
-      kaskade.soundtrack = `${SOUNDTRACK} could not be loaded (${songResult.reason.message})`;
-    } else {
-      try {
-        audio.buffer = await decodeSoundtrack(songResult.value);
-        kaskade.soundtrack = audio.buffer.length > MAX_SOUNDTRACK_FRAMES
-          ? `${SOUNDTRACK} is longer than ten minutes` : 'decoded';
-      } catch (error) {
-        kaskade.soundtrack = `${SOUNDTRACK} does not decode in this browser`;
-      }
-    }
-    if (kaskade.soundtrack !== 'decoded') {
-      audio.buffer = null;
-      say(`${kaskade.soundtrack}: the show runs without sound. ` +
-          '(A tracker module soundtrack plays only in the desktop build.)');
-    }
-    contentLoaded = true;
-    whenLoaded();
-  }
-
-  // The decoded samples go to the show as 16-bit stereo, for its level meter.
-  function handOverSoundtrack(buffer) {
-    const frames = buffer.length;
-    const pointer = Module.ccall('kaskade_soundtrack_buffer', 'number', ['string', 'number'], [SOUNDTRACK, frames]);
-    if (!pointer) {
-      return false;
-    }
-    const left = buffer.getChannelData(0);
-    const right = buffer.numberOfChannels > 1 ? buffer.getChannelData(1) : left;
-    const samples = new Int16Array(Module.HEAP16.buffer, pointer, frames * 2);
-    const toSample = (x) => Math.max(-32768, Math.min(32767, Math.round(x * 32768)));
-    for (let i = 0; i < frames; ++i) {
-      samples[2 * i] = toSample(left[i]);
-      samples[2 * i + 1] = toSample(right[i]);
-    }
-    return true;
-  }
-
+  // Once the program runs and the archive is in, the show is prepared (the
+  // WebGL context, every part met once), so that the start has only the
+  // sound to wait for; it is offered once the soundtrack can play from where
+  // the show starts (or cannot be had at all). On the fixed-step clock, all
+  // of the soundtrack is decoded first, and the show starts at once.
   function whenLoaded() {
-    if (!runtimeReady || !contentLoaded || kaskade.state !== 'loading') {
+    if (kaskade.state !== 'loading' || !handOver || !(archive || prepared)) {
       return;
     }
-    Module.FS.writeFile(ARCHIVE, archive);
-    archive = null;
-    decoded = audio.buffer !== null && handOverSoundtrack(audio.buffer);
-    for (const index of address.grab) {
-      Module._kaskade_grab_frame(index);
+    if (!prepared && !prepare()) {
+      return;
     }
-    for (const index of address.stop) {
-      Module._kaskade_pause_at_frame(index);
-    }
-    const fault = params.get('fault');
-    if (fault !== null && !(Module._kaskade_fault && Module.ccall('kaskade_fault', 'number', ['string'], [fault]))) {
-      fail(Module._kaskade_fault ? `?fault=${fault} names no deliberate mistake.`
-                                 : '?fault= exists only in the site built for tests (scripts/web --faults).');
+    const soundReady = !['loading', 'streaming', 'decoded'].includes(kaskade.soundtrack) ||
+      (fixedFps ? song.complete : song.playableFrom(partStart(firstPart) / 10, START_SECONDS));
+    if (!soundReady) {
+      // A first piece of the music that does not reach far enough (a song shorter than the show's length).
+      if (loading.progress.files.find((file) => file.name === SOUNDTRACK).note) {
+        loading.more(SOUNDTRACK);
+      }
       return;
     }
     kaskade.state = 'ready';
+    setTimeout(() => loading.more(SOUNDTRACK), REST_AFTER_MILLIS);
     if (fixedFps) {
       start();
       return;
@@ -302,29 +236,44 @@
     stage.addEventListener('click', startOnGesture);
   }
 
+  function prepare() {
+    Module.FS.writeFile(ARCHIVE, archive);
+    archive = null;
+    for (const index of address.grab) {
+      Module._kaskade_grab_frame(index);
+    }
+    for (const index of address.stop) {
+      Module._kaskade_pause_at_frame(index);
+    }
+    const fault = params.get('fault');
+    if (fault !== null && !(Module._kaskade_fault && Module.ccall('kaskade_fault', 'number', ['string'], [fault]))) {
+      fail(Module._kaskade_fault ? `?fault=${fault} names no deliberate mistake.`
+                                 : '?fault= exists only in the site built for tests (scripts/web --faults).');
+      return false;
+    }
+    let result = 0;
+    try {
+      result = Module.ccall('kaskade_prepare', 'number', ['number'], [fixedFps]);
+    } catch (error) {
+      // A fatal report (a damaged archive; it said why on the console).
+      page.failed();
+      return false;
+    }
+    if (result !== 0) {
+      fail('This browser gives no WebGL 2 context: the show cannot be drawn.');
+      return false;
+    }
+    prepared = true;
+    return true;
+  }
+
   function startOnGesture(event) {
     // Keys the browser does not count as a gesture (it would keep the sound off) start nothing.
-    if (event.type === 'keydown' && ['Escape', 'Shift', 'Control', 'Alt', 'Meta'].includes(event.key)) {
+    if (event.type === 'keydown' && ['Escape', 'Shift', 'Control', 'Alt', 'Meta', 'Tab'].includes(event.key)) {
       return;
     }
     event.preventDefault();
     start();
-  }
-
-  // The AudioContext, made within the gesture. False, and said on the page,
-  // when the browser gives no running output within a second.
-  async function openAudioOutput() {
-    try {
-      audio.context = new AudioContext({ sampleRate: SAMPLE_RATE });
-      await Promise.race([audio.context.resume(), new Promise((resolve) => setTimeout(resolve, 1000))]);
-    } catch (error) {
-      audio.context = null;
-    }
-    if (audio.context && audio.context.state === 'running') {
-      return true;
-    }
-    say('The browser gives no sound output: the show runs without sound.');
-    return false;
   }
 
   async function start() {
@@ -335,26 +284,25 @@
     document.removeEventListener('keydown', startOnGesture);
     stage.removeEventListener('click', startOnGesture);
     cover.classList.add('hidden');
+    const songUsable = ['streaming', 'decoded'].includes(kaskade.soundtrack);
     // On the fixed-step clock the decoded soundtrack gives the levels only.
-    const withSound = decoded && !fixedFps && await openAudioOutput();
-    if (!withSound) {
-      audio.buffer = null;
+    const withSound = songUsable && !fixedFps && await player.open();
+    if (songUsable && !fixedFps && !withSound) {
+      say('The browser gives no sound output: the show runs without sound.');
     }
     kaskade.state = 'playing';
-    let result = 0;
     try {
-      result = Module.ccall('kaskade_start', 'number', ['number', 'number', 'number'],
-                            [fixedFps, (fixedFps ? decoded : withSound) ? 1 : 0, firstPart]);
+      Module.ccall('kaskade_start', null, ['number', 'number', 'number'],
+                   [fixedFps, (fixedFps ? songUsable : withSound) ? 1 : 0, firstPart]);
     } catch (error) {
       // A fatal report during the start (it said why on the console).
       page.failed();
       return;
     }
-    if (result !== 0) {
-      fail('This browser gives no WebGL 2 context: the show cannot be drawn.');
-      return;
-    }
     controls.start();
+    // The rest of the music comes once the first frame is drawn (or a while
+    // after the start was offered), so as to take nothing from what that frame needs.
+    requestAnimationFrame(() => loading.more(SOUNDTRACK));
     // Not for the event that started the show.
     setTimeout(() => {
       document.addEventListener('keydown', onKey);
@@ -366,7 +314,7 @@
   const SPECIAL_KEYS = { ArrowLeft: 100, ArrowRight: 102, PageUp: 104, PageDown: 105, Home: 106 };
 
   function onKey(event) {
-    // A focused slider takes its own arrows and Home.
+    // A slider reached with the keyboard (Tab) takes its own arrows and Home.
     if (kaskade.state !== 'playing' || event.target instanceof HTMLInputElement || event.ctrlKey ||
         event.altKey || event.metaKey) {
       return;
@@ -379,16 +327,16 @@
     const key = event.key === 'Escape' ? 27 : event.key.length === 1 ? event.key.charCodeAt(0) : -1;
     if (key >= 0 && key < 256) {
       if (key === 32) {
-        event.preventDefault();  // no scrolling
+        event.preventDefault();  // no scrolling, no button pressed
       }
       Module._kaskade_key(key);
     }
   }
 
-  // A mouse button ends the show, as on the desktop, except on the control
-  // bar; a tap (touch or pen) shows the bar.
+  // A mouse button ends the show, as on the desktop, except on the controls;
+  // a tap (touch or pen) shows the bar.
   function onPointerDown(event) {
-    if (kaskade.state !== 'playing' || controls.contains(event.target)) {
+    if (kaskade.state !== 'playing' || controls.contains(event.target) || event.target.closest('#controls')) {
       return;
     }
     if (event.pointerType === 'mouse') {
@@ -398,6 +346,26 @@
     }
   }
 
+  // A part asked for in the open page's address (#part=N) is jumped to, as a
+  // link opens it; before the start, the show starts there.
+  window.addEventListener('hashchange', (event) => {
+    // The address the viewer gave, not what the bar may have put there since.
+    const hash = new URL(event.newURL).hash;
+    const wanted = window.kaskadeAddress.readAddress('', hash);
+    if (wanted.errors.length > 0) {
+      say(wanted.errors.join('\n'));
+      return;
+    }
+    if (!/part=/.test(hash)) {
+      return;
+    }
+    if (['playing', 'paused'].includes(kaskade.state)) {
+      Module._kaskade_jump_to(wanted.part);
+    } else if (['loading', 'ready'].includes(kaskade.state)) {
+      firstPart = wanted.part;
+    }
+  });
+
   function toggleFullscreen() {
     if (document.fullscreenElement) {
       document.exitFullscreen().catch(() => {});
@@ -405,63 +373,84 @@
       stage.requestFullscreen().catch((error) => say(`Fullscreen refused: ${error.message}`));
     }
   }
-
-  // Fullscreen: the stage takes the screen, the canvas the largest 4:3 frame
-  // that fits, drawn at the screen's own pixels.
-  function fitCanvas() {
-    if (document.fullscreenElement === stage) {
-      const width = Math.min(window.innerWidth, window.innerHeight * 4 / 3);
-      const height = width * 3 / 4;
-      stage.style.setProperty('--frame-width', `${width}px`);
-      stage.style.setProperty('--frame-height', `${height}px`);
-      const ratio = window.devicePixelRatio || 1;
-      canvas.width = Math.round(width * ratio);
-      canvas.height = Math.round(height * ratio);
-    } else {
-      canvas.width = 640;
-      canvas.height = 480;
-    }
-  }
-
-  byId('fullscreen').addEventListener('click', () => {
-    stage.requestFullscreen().catch((error) => say(`Fullscreen refused: ${error.message}`));
+  byId('fullscreen').addEventListener('click', (event) => {
+    toggleFullscreen();
+    event.currentTarget.blur();
   });
-  document.addEventListener('fullscreenchange', fitCanvas);
-  window.addEventListener('resize', () => {
-    if (document.fullscreenElement === stage) {
-      fitCanvas();
-    }
-  });
+  // The fullscreen button and the status line, below or beside the picture
+  // where the window leaves room for them (the bar has its own fullscreen
+  // button, notes show over the picture too).
+  const placeControls = () => {
+    const below = (innerHeight - (innerWidth * 3) / 4) / 2;
+    const beside = (innerWidth - (innerHeight * 4) / 3) / 2;
+    byId('controls').hidden = below < 56 && beside < 100;
+  };
+  placeControls();
+  window.addEventListener('resize', placeControls);
+
+  const resolution = window.kaskadeResolution.makeResolution(byId('picture'), fixedFps !== 0,
+                                                              address.stats ? byId('stats') : null);
+  kaskade.resolution = resolution.chosen;
 
   controls = window.kaskadeControls.makeControls({
     stage, canvas, bar: byId('bar'), play: byId('play'), time: byId('time'), timeline: byId('timeline'),
-    played: byId('played'), mute: byId('mute'), volume: byId('volume'), fullscreen: byId('bar-fullscreen'),
-    held: byId('held'),
+    played: byId('played'), loaded: byId('loaded'), held: byId('held'), mute: byId('mute'),
+    volume: byId('volume'), fullscreen: byId('bar-fullscreen'), heldPart: byId('held-part'),
   }, Module, toggleFullscreen);
 
   if (address.errors.length > 0) {
     fail(['This address asks for what the show does not take:', ...address.errors].join('\n'));
     return;
   }
+
+  // The checks on what the host sends: each file's first bytes.
+  const isArchive = (bytes) => {
+    const zero = bytes.indexOf(0);
+    return zero >= 1 && zero <= 19 && zero + 5 <= bytes.length &&
+      bytes.subarray(0, zero).every((byte) => byte >= 0x20 && byte < 0x7f);
+  };
+  const isWasm = (bytes) => bytes[0] === 0 && bytes[1] === 0x61 && bytes[2] === 0x73 && bytes[3] === 0x6d;
+  const loading = window.kaskadeLoading.load([
+    { name: PROGRAM, what: "the show's program", begins: () => true },
+    { name: PROGRAM_CODE, what: "the show's WebAssembly code", begins: isWasm },
+    { name: ARCHIVE, what: 'the archive', begins: isArchive },
+    {
+      name: SOUNDTRACK,
+      what: 'an MP3 soundtrack',
+      begins: window.kaskadeMp3Frames.looksLikeMp3,
+      onBytes: (bytes) => song.push(bytes),
+      // Live, the music up to where the show starts and some seconds more comes first (the
+      // file's share by the show's length), the rest once the first frame is drawn.
+      firstPiece: fixedFps ? null
+        : (size) => Math.ceil(size * Math.min(1, (partStart(firstPart) / 10 + FIRST_PIECE_SECONDS) / SHOW_SECONDS)),
+    },
+  ], byId('loading'));
+  kaskade.loading = loading.progress;
+
+  // A soundtrack cut short plays as far as it came.
+  loading.files[SOUNDTRACK].then(() => song.end(), (error) => {
+    song.end();
+    if (kaskade.soundtrack === 'streaming') {
+      say(`${error.message}: the song ends there.`);
+    } else {
+      soundtrackLost(error.message, /something else than/.test(error.message)
+        ? ' (A tracker module soundtrack plays only in the desktop build.)' : '');
+    }
+  });
+  loading.files[ARCHIVE].then((bytes) => {
+    archive = bytes;
+    whenLoaded();
+  }, (error) => fail(error.message));
+
   // The program runs once it and its WebAssembly code are in: the code is
   // handed over as bytes, so that the loading progress counts it.
-  async function loadProgram(files) {
-    let source;
-    try {
-      const [program, code] = await Promise.all([files[PROGRAM], files[PROGRAM_CODE]]);
-      Module.wasmBinary = code;
-      source = new TextDecoder().decode(program);
-    } catch (error) {
-      fail(`The show's program could not be loaded (${error.message}).`);
+  Promise.all([loading.files[PROGRAM], loading.files[PROGRAM_CODE]]).then(([program, code]) => {
+    if (kaskade.state === 'failed') {
       return;
     }
+    Module.wasmBinary = code;
     const script = document.createElement('script');
-    script.text = `${source}\n//# sourceURL=${PROGRAM}`;
+    script.text = `${new TextDecoder().decode(program)}\n//# sourceURL=${PROGRAM}`;
     document.body.appendChild(script);
-  }
-
-  const loading = window.kaskadeLoading.load([PROGRAM, PROGRAM_CODE, ARCHIVE, SOUNDTRACK], byId('loading'));
-  kaskade.loading = loading.progress;
-  loadContent(loading.files);
-  loadProgram(loading.files);
+  }, (error) => fail(error.message));
 })();
