@@ -6,18 +6,18 @@ int64_t g_frameCount = 0;
 int64_t g_fpsStartClock = 0;
 
 namespace {
-// Wall-clock milliseconds; the frame rate is measured against real time even
-// when the demo clock steps frame by frame. 64 bits: a looping show runs for weeks.
-int64_t wallMillis() {
+int64_t steadyMillis() {
     return std::chrono::duration_cast<std::chrono::milliseconds>(
                std::chrono::steady_clock::now().time_since_epoch())
         .count();
 }
 }  // namespace
 
+int64_t (*g_wallMillis)() = steadyMillis;
+
 void startFrameCounter() {
     g_frameCount = 0;
-    g_fpsStartClock = wallMillis();
+    g_fpsStartClock = g_wallMillis();
 }
 
 namespace {
@@ -28,7 +28,7 @@ int64_t g_fpsPausedAt = 0;  // wall clock at the pause
 void pauseFrameCounter() {
     if (!g_fpsPaused) {
         g_fpsPaused = true;
-        g_fpsPausedAt = wallMillis();
+        g_fpsPausedAt = g_wallMillis();
     }
 }
 
@@ -36,7 +36,7 @@ void resumeFrameCounter() {
     if (g_fpsPaused) {
         g_fpsPaused = false;
         // The time paused is taken out by starting the count that much later.
-        g_fpsStartClock += wallMillis() - g_fpsPausedAt;
+        g_fpsStartClock += g_wallMillis() - g_fpsPausedAt;
     }
 }
 
@@ -49,5 +49,5 @@ double framesPerSecondAt(int64_t frames, int64_t startMillis, int64_t nowMillis)
 }
 
 double framesPerSecond() {
-    return framesPerSecondAt(g_frameCount, g_fpsStartClock, g_fpsPaused ? g_fpsPausedAt : wallMillis());
+    return framesPerSecondAt(g_frameCount, g_fpsStartClock, g_fpsPaused ? g_fpsPausedAt : g_wallMillis());
 }

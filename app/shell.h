@@ -12,6 +12,10 @@ extern int32_t g_fullscreen;     // 1: fullscreen after a display-mode switch; 0
 // are ten hours at 60 frames/s).
 extern int64_t g_frameCount;
 extern int64_t g_fpsStartClock;  // milliseconds, the wall clock's reading at startFrameCounter
+// The wall clock the frame rate is measured against (real time, even when the
+// demo clock steps frame by frame), in milliseconds, 64 bits: a looping show
+// runs for weeks. The steady clock unless a test sets another.
+extern int64_t (*g_wallMillis)();
 extern Library* g_library;       // the one archive record, allocated by initGlState, never freed
 
 // The start state every demo part begins from, and the archive record.
