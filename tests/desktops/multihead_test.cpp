@@ -18,19 +18,13 @@
 
 namespace {
 
-enum class WayOut { Escape, Terminate, FatalReport, Crash, Kill, LostConnection };
-
-const char* nameOf(WayOut way) {
-    switch (way) {
-        case WayOut::Escape: return "Escape";
-        case WayOut::Terminate: return "SIGTERM";
-        case WayOut::FatalReport: return "a fatal report";
-        case WayOut::Crash: return "SIGSEGV";
-        case WayOut::Kill: return "SIGKILL";
-        case WayOut::LostConnection: return "a lost X connection";
-    }
-    return "?";
-}
+// The ways out of a show, what each sends, and the status it ends with (or, negative, the signal).
+struct WayOut {
+    const char* name;
+    int status;
+};
+const WayOut ESCAPE{"Escape", 0}, TERMINATE{"SIGTERM", 143}, FATAL_REPORT{"a fatal report", 255},
+    CRASH{"SIGSEGV", -SIGSEGV}, KILL{"SIGKILL", -SIGKILL}, LOST_CONNECTION{"a lost X connection", 1};
 
 class SeveralMonitors : public DesktopTest, public ::testing::WithParamInterface<DesktopRig::Kind> {
 protected:
@@ -38,19 +32,20 @@ protected:
 
     // Runs the fullscreen show to `way` and checks the screen during and after.
     // Appends the tables to `notes`.
-    void runTo(WayOut way, const std::string& primaryAt, std::string* notes) {
-        SCOPED_TRACE(nameOf(way));
+    void runTo(const WayOut& way, const std::string& primaryAt, std::string* notes) {
+        SCOPED_TRACE(way.name);
+        const std::string name = way.name;
         ASSERT_TRUE(rig_->layOut());
         const std::string display = rig_->display();
         const CrtcTable before = readCrtcTable(display);
         ASSERT_FALSE(before.crtcs.empty());
         const std::string primary = before.crtcOf("DUMMY0");
-        if (way == WayOut::FatalReport) {
+        if (name == FATAL_REPORT.name) {
             std::remove((dir_ + "/3d").c_str());
         }
         start({}, display);
         CrtcTable during;
-        if (way != WayOut::FatalReport) {
+        if (name != FATAL_REPORT.name) {
             ASSERT_TRUE(within(10000, [&] {
                 return readCrtcTable(display).crtcOf("DUMMY0").find(" 640x480@") != std::string::npos;
             })) << readCrtcTable(display).text();
@@ -67,41 +62,30 @@ protected:
             EXPECT_TRUE(within(5000, [&] { return windowRectangle(display, id) == "640x480+" + primaryAt; }))
                 << windowRectangle(display, id);
         }
-        switch (way) {
-            case WayOut::Escape: key(window(display), "Escape", display); break;
-            case WayOut::Terminate: kill(pid_, SIGTERM); break;
-            case WayOut::Crash: kill(pid_, SIGSEGV); break;
-            case WayOut::Kill: kill(pid_, SIGKILL); break;
-            case WayOut::LostConnection:
-                // What xkill does: the server closes the show's connection.
-                runCommand(onDisplay(display) + "xdotool windowkill " + window(display));
-                break;
-            case WayOut::FatalReport: break;
+        if (name == ESCAPE.name) {
+            key(window(display), "Escape", display);
+        } else if (name == LOST_CONNECTION.name) {
+            // What xkill does: the server closes the show's connection.
+            runCommand(onDisplay(display) + "xdotool windowkill " + window(display));
+        } else if (way.status != FATAL_REPORT.status) {
+            kill(pid_, way.status < 0 ? -way.status : SIGTERM);
         }
         const ShowResult result = finish();
         // The show gives the screen back before it ends; after SIGKILL or
         // without its connection its guard does, a moment later.
-        if (way == WayOut::Kill || way == WayOut::LostConnection) {
+        if (name == KILL.name || name == LOST_CONNECTION.name) {
             within(2000, [&] { return readCrtcTable(display) == before; });
         }
         const CrtcTable after = readCrtcTable(display);
         EXPECT_EQ(after, before) << "before:\n" << before.text() << "after:\n" << after.text();
-        switch (way) {
-            case WayOut::Escape: EXPECT_EQ(result.status, 0); break;
-            case WayOut::Terminate: EXPECT_EQ(result.status, 143); break;
-            case WayOut::FatalReport:
-                EXPECT_EQ(result.status, 255);
-                EXPECT_NE(result.err.find("KOBALT LIBRARY ERROR: cannot open library"), std::string::npos)
-                    << result.err;
-                break;
-            case WayOut::Crash: EXPECT_EQ(result.signal, SIGSEGV); break;
-            case WayOut::Kill: EXPECT_EQ(result.signal, SIGKILL); break;
-            case WayOut::LostConnection: EXPECT_EQ(result.status, 1) << result.err; break;
+        EXPECT_EQ(way.status < 0 ? -result.signal : result.status, way.status) << result.err;
+        if (name == FATAL_REPORT.name) {
+            EXPECT_NE(result.err.find("KOBALT LIBRARY ERROR: cannot open library"), std::string::npos) << result.err;
         }
-        *notes += std::string("== ") + nameOf(way) + "\nbefore:\n" + before.text() + "during:\n" +
+        *notes += "== " + name + "\nbefore:\n" + before.text() + "during:\n" +
                   (during.screen.empty() ? "(the report ends the show at its start)\n" : during.text()) +
                   "after:\n" + after.text();
-        if (way == WayOut::FatalReport) {
+        if (name == FATAL_REPORT.name) {
             ASSERT_EQ(symlink((std::string(KASKADE_SHOW_DIR) + "/3d").c_str(), (dir_ + "/3d").c_str()), 0);
         }
     }
@@ -110,8 +94,7 @@ protected:
 TEST_P(SeveralMonitors, OnlyThePrimaryMonitorSwitchesAndEveryWayOutGivesTheScreenBack) {
     const bool three = GetParam() == DesktopRig::Kind::ThreeMonitors;
     std::string notes;
-    for (WayOut way : {WayOut::Escape, WayOut::Terminate, WayOut::FatalReport, WayOut::Crash, WayOut::Kill,
-                       WayOut::LostConnection}) {
+    for (const WayOut& way : {ESCAPE, TERMINATE, FATAL_REPORT, CRASH, KILL, LOST_CONNECTION}) {
         runTo(way, three ? "2304+0" : "0+0", &notes);
     }
     const std::string path = artifactPath(three ? "three-monitors.txt" : "two-monitors.txt");
@@ -148,8 +131,8 @@ TEST_F(LayoutChangedDuringTheShow, WhatThePersonChangedStaysAfterEscapeAndAfterS
     runCommand(onDisplay(display) + "xrandr --addmode DUMMY2 1024x768_75.00");
     std::string notes;
     for (const auto& change : changes) {
-        for (const WayOut way : {WayOut::Escape, WayOut::Kill}) {
-            SCOPED_TRACE(std::string(change.change) + ", then " + nameOf(way));
+        for (const WayOut& way : {ESCAPE, KILL}) {
+            SCOPED_TRACE(std::string(change.change) + ", then " + way.name);
             ASSERT_TRUE(rig_->layOut());
             const CrtcTable before = readCrtcTable(display);
             std::remove((dir_ + "/err.txt").c_str());
@@ -166,7 +149,7 @@ TEST_F(LayoutChangedDuringTheShow, WhatThePersonChangedStaysAfterEscapeAndAfterS
                     line = before.crtcOf("DUMMY0");
                 }
             }
-            if (way == WayOut::Escape) {
+            if (way.status == ESCAPE.status) {
                 key(window(display), "Escape", display);
             } else {
                 kill(pid_, SIGKILL);
@@ -175,10 +158,10 @@ TEST_F(LayoutChangedDuringTheShow, WhatThePersonChangedStaysAfterEscapeAndAfterS
             within(2000, [&] { return readCrtcTable(display) == expected; });  // the guard, after SIGKILL
             const CrtcTable after = readCrtcTable(display);
             EXPECT_EQ(after.text(), expected.text()) << "before:\n" << before.text();
-            if (change.showsOwn && way == WayOut::Escape) {
+            if (change.showsOwn && way.status == ESCAPE.status) {
                 EXPECT_NE(result.err.find("DUMMY0 was changed during the show"), std::string::npos) << result.err;
             }
-            notes += std::string("== ") + change.change + ", then " + nameOf(way) + "\nbefore:\n" + before.text() +
+            notes += std::string("== ") + change.change + ", then " + way.name + "\nbefore:\n" + before.text() +
                      "after:\n" + after.text();
         }
     }

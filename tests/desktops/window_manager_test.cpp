@@ -11,8 +11,6 @@
 #include <signal.h>
 #include <unistd.h>
 
-#include <chrono>
-#include <thread>
 
 namespace {
 
@@ -28,13 +26,7 @@ protected:
     }
 
     bool geometryBecomes(const std::string& id, const std::string& wanted) {
-        for (int waited = 0; waited < 5000; waited += 50) {
-            if (geometry(id) == wanted) {
-                return true;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        }
-        return false;
+        return within(5000, [&] { return geometry(id) == wanted; });
     }
 
     // What the window shows once `settled` holds for it (a loaded machine may
@@ -83,9 +75,7 @@ protected:
     void captureStart(const std::string& size, const std::string& directory) {
         start({"--part", "13", "--fps", "4", "--nosound", "--size", size, "--capture", directory}, rig_->display());
         const std::string third = directory + "/frame_00002.png";
-        for (int waited = 0; waited < 60000 && access(third.c_str(), F_OK) != 0; waited += 50) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        }
+        EXPECT_TRUE(within(60000, [&] { return access(third.c_str(), F_OK) == 0; })) << size;
         kill(pid_, SIGINT);
         EXPECT_EQ(finish().status, 130) << size;
     }

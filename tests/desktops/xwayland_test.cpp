@@ -9,9 +9,6 @@
 
 #include <signal.h>
 
-#include <chrono>
-#include <thread>
-
 namespace {
 
 class Xwayland : public DesktopTest {
@@ -40,13 +37,14 @@ TEST_F(Xwayland, FullscreenWindowedAndDesktopShowsDrawTheirPictureAndLeaveTheScr
         int width = 0;
         int height = 0;
         std::vector<uint8_t> rgb;
-        for (int waited = 0; waited < 5000; waited += 100) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        // Until the window has its size and its picture is drawn between black bars.
+        within(10000, [&] {
             rgb = windowContents(rig_->display(), id, &width, &height);
-            if (width == run.width && height == run.height && waited >= 1000) {
-                break;
-            }
-        }
+            const LitPixels lit =
+                litPixels(rgb, width, height, 0, run.pictureTop, width, run.pictureTop + run.pictureHeight);
+            return width == run.width && height == run.height && !rgb.empty() && lit.outside == 0 &&
+                   lit.inside > static_cast<long>(width) * run.pictureHeight * 9 / 10;
+        });
         if (run.arguments.empty()) {
             // The mode was asked for from the window's own connection: Xwayland
             // marks the show's window for a compositor that would scale it.
@@ -73,13 +71,16 @@ TEST_F(Xwayland, AKilledShowLeavesTheScreenAsItWas) {
     const CrtcTable before = readCrtcTable(rig_->display());
     const std::string xrandrBefore = xrandr();
     start({}, rig_->display());
-    ASSERT_FALSE(window(rig_->display()).empty());
-    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    const std::string id = window(rig_->display());
+    // Once the show has asked for its mode.
+    ASSERT_TRUE(within(10000, [&] {
+        return runCommand(onDisplay(rig_->display()) + "xprop -id " + id + " _XWAYLAND_RANDR_EMU_MONITOR_RECTS")
+                   .find("= 0, 0, 640, 480") != std::string::npos;
+    }));
     kill(pid_, SIGKILL);
     EXPECT_EQ(finish().signal, SIGKILL);
-    std::this_thread::sleep_for(std::chrono::milliseconds(500));
-    EXPECT_EQ(readCrtcTable(rig_->display()), before);
-    EXPECT_EQ(xrandr(), xrandrBefore);
+    EXPECT_TRUE(within(2000, [&] { return readCrtcTable(rig_->display()) == before && xrandr() == xrandrBefore; }))
+        << xrandr();
 }
 
 }  // namespace

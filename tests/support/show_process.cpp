@@ -212,9 +212,17 @@ void ShowProcess::start(const std::vector<std::string>& arguments, const std::st
 }
 
 std::string ShowProcess::window(const std::string& display) {
-    const std::string id = runCommand(onDisplay(display) +
-                                      "timeout 20 xdotool search --sync --onlyvisible --name 'kaskade \\[12\\]' "
-                                      "2>/dev/null | head -n 1");
+    // Asked again and again rather than with --sync: a window that comes or
+    // goes while xdotool walks the tree (a window manager's frames) ends its search.
+    std::string id;
+    within(20000, [&] {
+        id = runCommand(onDisplay(display) + "xdotool search --onlyvisible --name 'kaskade \\[12\\]' 2>/dev/null");
+        // A show that ended has no window to wait for (asked without reaping it).
+        siginfo_t ended{};
+        return !id.empty() ||
+               (pid_ > 0 && waitid(P_PID, static_cast<id_t>(pid_), &ended, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+                ended.si_pid != 0);
+    });
     return id.substr(0, id.find('\n'));
 }
 
