@@ -34,7 +34,7 @@ protected:
     std::string dir_ = makeTempDir();
 };
 
-TEST_F(MusicClock, StartsAtTheMusicsPlaceAndCountsTenthsAcrossTheTimersWrapAndAgainFromTheEndSync) {
+TEST_F(MusicClock, StartsAtTheMusicsPlaceCountsTenthsAcrossTheTimersWrapAgainFromTheEndSyncAndStandsWhilePaused) {
     openMusic(testSound("song.mod").c_str());
     ASSERT_NE(g_music, 0u);
     g_millisecondClock = [] { return g_fakeNow; };
@@ -51,6 +51,15 @@ TEST_F(MusicClock, StartsAtTheMusicsPlaceAndCountsTenthsAcrossTheTimersWrapAndAg
     g_fakeNow += 100;
     updateMusicClock();
     EXPECT_FLOAT_EQ(g_demoTime, 1.0f);
+    // A pause stands the clock; it goes on from there, the time paused left out.
+    pauseMusic();
+    g_fakeNow += 5000;
+    updateMusicClock();
+    EXPECT_FLOAT_EQ(g_demoTime, 1.0f);
+    resumeMusic();
+    g_fakeNow += 100;
+    updateMusicClock();
+    EXPECT_FLOAT_EQ(g_demoTime, 2.0f);
 }
 
 // What the probe tells a file, and what openMusic makes of it: a stream, a
