@@ -1,242 +1,133 @@
 // The music and the demo clock over replaceable inputs: the millisecond clock
-// and the level source, the end sync, and the audio failures.
+// and the level source, the end sync, the fixed-step clock and the audio failures.
 #include "audio/clock.h"
 #include "audio/fixed_step_clock.h"
 #include "audio/music.h"
+#include "audio/sound_source.h"
 #include "tests/audio/test_sounds.h"
 #include "tests/support/fatal_catcher.h"
 
 #include <gtest/gtest.h>
-#include <libopenmpt/libopenmpt.h>
-#include <libopenmpt/libopenmpt_stream_callbacks_file.h>
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
+#include <tuple>
 
 namespace {
 
 uint32_t g_fakeNow = 0;
-uint32_t g_fakeLevel = 0;
-uint32_t fakeClock() { return g_fakeNow; }
-uint32_t fakeLevel(AudioHandle) { return g_fakeLevel; }
 
-class DemoClock : public ::testing::Test {
+class MusicClock : public ::testing::Test {
 protected:
-    void SetUp() override {
-        g_millisecondClock = fakeClock;
-        g_levelSource = fakeLevel;
-        g_stream = 0;
-        g_music = 0;
-    }
+    void SetUp() override { setenv("SDL_AUDIODRIVER", "dummy", 1); }
     void TearDown() override {
+        closeMusic();
+        g_stream = g_music = 0;
+        g_soundEnabled = true;
         g_millisecondClock = monotonicMillis;
-        g_levelSource = audioChannelGetLevel;
+        g_levelSource = audioChannelGetLevel;  // the fixed-step clock replaces both
     }
+    std::string path(const char* name) const { return dir_ + "/" + name; }
+    std::string dir_ = makeTempDir();
 };
 
-TEST_F(DemoClock, CountsTenthsOfASecondAcrossTheTimersWrap) {
+TEST_F(MusicClock, StartsAtTheMusicsPlaceCountsTenthsAcrossTheTimersWrapAgainFromTheEndSyncAndStandsWhilePaused) {
+    openMusic(testSound("song.mod").c_str());
+    ASSERT_NE(g_music, 0u);
+    g_millisecondClock = [] { return g_fakeNow; };
     g_fakeNow = 0xFFFFFF00u;
-    startMusic();
+    startMusicAt(250);
+    updateMusicClock();
+    // Rows of 20 ms: the music and the clock start at the row before or after 250 ms.
+    const long startMillis = std::lround(g_demoTime * 100);
+    EXPECT_TRUE(startMillis == 240 || startMillis == 260) << g_demoTime;
     g_fakeNow += 12345;  // wraps past 2^32
     updateMusicClock();
-    EXPECT_EQ(g_demoTime, static_cast<float>(12345 * DEMO_TIME_SCALE));
-    EXPECT_FLOAT_EQ(g_demoTime, 123.45f);
-}
-
-TEST_F(DemoClock, EndSyncRestartsTheDemoTimeFromZero) {
-    g_fakeNow = 1000;
-    startMusic();
-    g_fakeNow = 1000 + 228000;
-    updateMusicClock();
-    EXPECT_FLOAT_EQ(g_demoTime, 2280.0f);
+    EXPECT_EQ(g_demoTime, static_cast<float>((12345 + startMillis) * DEMO_TIME_SCALE));
     onMusicEnd(0, 1, 0);
     g_fakeNow += 100;
     updateMusicClock();
     EXPECT_FLOAT_EQ(g_demoTime, 1.0f);
-}
-
-TEST_F(DemoClock, LevelWordsSplitLeftLowRightHigh) {
-    g_fakeLevel = 0x00400021u;
+    // A pause stands the clock; it goes on from there, the time paused left out.
+    pauseMusic();
+    g_fakeNow += 5000;
     updateMusicClock();
-    EXPECT_EQ(g_levelLeft, 0x21u);
-    EXPECT_EQ(g_levelRight, 0x40u);
-    // A failed query (all bits set) splits like any other value.
-    g_fakeLevel = 0xFFFFFFFFu;
+    EXPECT_FLOAT_EQ(g_demoTime, 1.0f);
+    resumeMusic();
+    g_fakeNow += 100;
     updateMusicClock();
-    EXPECT_EQ(g_levelLeft, 65535u);
-    EXPECT_EQ(g_levelRight, 65535u);
+    EXPECT_FLOAT_EQ(g_demoTime, 2.0f);
 }
 
-class OpeningMusic : public ::testing::Test {
-protected:
-    void SetUp() override {
-        dir_ = makeTempDir();
-        setenv("SDL_AUDIODRIVER", "dummy", 1);
-        g_soundEnabled = true;
-        g_stream = 0;
-        g_music = 0;
-    }
-    void TearDown() override {
-        closeMusic();
-        g_stream = 0;
-        g_music = 0;
-        setenv("SDL_AUDIODRIVER", "dummy", 1);
-    }
-    std::string path(const char* name) const { return dir_ + "/" + name; }
-    std::string dir_;
-};
-
-TEST_F(OpeningMusic, AnMp3OpensAsAStream) {
-    writeMp3(path("harbour.mp3"), tone(11025, 11025, 9000, 9000));
-    openMusic(path("harbour.mp3").c_str());
-    EXPECT_NE(g_stream, 0u);
-    EXPECT_EQ(g_music, 0u);
-}
-
-TEST_F(OpeningMusic, AModuleThatIsNoStreamOpensAsAModule) {
-    writeModule(path("harbour.mp3"));
-    openMusic(path("harbour.mp3").c_str());
-    EXPECT_EQ(g_stream, 0u);
-    EXPECT_NE(g_music, 0u);
-}
-
-TEST_F(OpeningMusic, AModuleStartedLaterStartsAtARowAndTheClockWithIt) {
-    // Rows of 20 ms: 250 ms lies between two of them.
-    writeModule(path("harbour.mp3"));
-    openMusic(path("harbour.mp3").c_str());
-    ASSERT_NE(g_music, 0u);
-    g_millisecondClock = fakeClock;
-    g_fakeNow = 70000;
-    startMusicAt(250);
-    updateMusicClock();
-    g_millisecondClock = monotonicMillis;
-
-    // Where libopenmpt itself goes for 0.25 s of the same song.
-    std::FILE* file = std::fopen(path("harbour.mp3").c_str(), "rb");
-    ASSERT_NE(file, nullptr);
-    openmpt_module* module = openmpt_module_create2(openmpt_stream_get_file_callbacks(), file, nullptr, nullptr,
-                                                    nullptr, nullptr, nullptr, nullptr, nullptr);
-    ASSERT_NE(module, nullptr);
-    const double reached = openmpt_module_set_position_seconds(module, 0.25);
-    openmpt_module_destroy(module);
-    std::fclose(file);
-    EXPECT_NE(std::lround(reached * 1000), 250) << "the test's song has no row at 250 ms";
-    EXPECT_NEAR(g_demoTime, reached * 10.0, 0.01) << "the clock starts where the music does";
-}
-
-TEST_F(OpeningMusic, AFileThatHoldsNoAudioIsFatalWithStatusZero) {
+// What the probe tells a file, and what openMusic makes of it: a stream, a
+// module, or the end of the show with status 0.
+TEST_F(MusicClock, TheSoundtrackOpensAsAStreamOrElseAModuleAndAnythingElseIsFatal) {
     writeBytes(path("garbage.mp3"), std::vector<uint8_t>(5000, 0x33));
     std::vector<uint8_t> noise(200000);
     uint32_t state = 12345;
-    for (uint8_t& byte : noise) {
-        state = state * 1664525u + 1013904223u;
-        byte = static_cast<uint8_t>(state >> 24);
-    }
+    std::generate(noise.begin(), noise.end(), [&] { return static_cast<uint8_t>((state = state * 1664525u + 1013904223u) >> 24); });
     writeBytes(path("noise.mp3"), noise);
     writeBytes(path("empty.mp3"), {});
     ASSERT_EQ(mkdir(path("folder.mp3").c_str(), 0755), 0);
-    writeWav(path("sound.wav"), tone(11025, 11025, 9000, 9000));
-    const std::string image = testDataPath("pcx/allegro_mysha.pcx");
-    const std::string scene = testDataPath("3ds/test1.3ds");
-    for (const std::string& file : {path("missing.mp3"), path("garbage.mp3"), path("noise.mp3"), path("empty.mp3"),
-                                    path("folder.mp3"), path("sound.wav"), image, scene}) {
-        const char* name = file.c_str();
-        const FatalError error = expectFatal([&] { openMusic(name); });
-        EXPECT_EQ(error.caption, "BASS ERROR") << name;
-        EXPECT_EQ(error.text, "Can't play the file") << name;
-        EXPECT_EQ(error.status, 0) << name;
+    enum Opens { STREAM, MODULE, FATAL };
+    const std::tuple<std::string, SoundFormat, Opens> files[] = {
+        {testSound("song.mp3"), SoundFormat::Mp3, STREAM},    {testSound("song.mod"), SoundFormat::Module, MODULE},
+        {testSound("song.wav"), SoundFormat::Unknown, FATAL}, {path("garbage.mp3"), SoundFormat::Unknown, FATAL},
+        {path("noise.mp3"), SoundFormat::Unknown, FATAL},     {path("empty.mp3"), SoundFormat::Unreadable, FATAL},
+        {path("folder.mp3"), SoundFormat::Unreadable, FATAL}, {path("missing.mp3"), SoundFormat::Unreadable, FATAL},
+        {testDataPath("pcx/allegro_mysha.pcx"), SoundFormat::Unknown, FATAL},
+        {testDataPath("3ds/test1.3ds"), SoundFormat::Unknown, FATAL}};
+    for (const auto& [file, format, opens] : files) {
+        SCOPED_TRACE(file);
+        EXPECT_EQ(probeSoundFile(file.c_str()), format);
+        if (opens == FATAL) {
+            const FatalError error = expectFatal([&] { openMusic(file.c_str()); });
+            EXPECT_EQ(error.caption + ": " + error.text, "BASS ERROR: Can't play the file");
+            EXPECT_EQ(error.status, 0);
+        } else {
+            openMusic(file.c_str());
+            EXPECT_EQ(g_stream != 0, opens == STREAM);
+            EXPECT_EQ(g_music != 0, opens == MODULE);
+            closeMusic();
+            g_stream = g_music = 0;
+        }
     }
-}
-
-TEST_F(OpeningMusic, ADeviceThatCannotOpenIsFatalWithAHint) {
-    writeMp3(path("harbour.mp3"), tone(11025, 11025, 9000, 9000));
     setenv("SDL_AUDIODRIVER", "no-such-driver", 1);
-    const FatalError error = expectFatal([&] { openMusic(path("harbour.mp3").c_str()); });
-    EXPECT_EQ(error.caption, "BASS ERROR");
-    EXPECT_EQ(error.text, "Can't initialize device");
-    EXPECT_EQ(error.status, 0);
+    const FatalError device = expectFatal([] { openMusic(testSound("song.mp3").c_str()); });
+    EXPECT_EQ(device.caption + ": " + device.text, "BASS ERROR: Can't initialize device");
+    EXPECT_EQ(device.status, 0);
 }
-
-TEST_F(OpeningMusic, NoSoundOpensNothingAndStillStartsTheClock) {
-    g_soundEnabled = false;
-    openMusic(path("missing.mp3").c_str());
-    EXPECT_EQ(g_stream, 0u);
-    EXPECT_EQ(g_music, 0u);
-    const uint32_t before = monotonicMillis();
-    startMusic();
-    EXPECT_GE(g_musicStartTick.load() - before, 0u);
-    updateMusicClock();
-    EXPECT_GE(g_demoTime, 0.0f);
-    EXPECT_LT(g_demoTime, 10.0f);
-}
-
-}  // namespace
-
-namespace {
 
 // The fixed-step clock: frame k sees round(k * 1000 / fps) ms, the level comes
 // from the decoded soundtrack at that moment, and the song's end moves the zero.
-class FixedStep : public ::testing::Test {
-protected:
-    void SetUp() override {
-        dir_ = makeTempDir();
-        g_stream = 0;
-        g_music = 0;
-    }
-    void TearDown() override {
-        g_millisecondClock = monotonicMillis;
-        g_levelSource = audioChannelGetLevel;
-    }
-    // Swaps `count` frames and refreshes the clock as the next frame would.
-    static void swapFrames(int count) {
-        for (int i = 0; i < count; ++i) {
-            advanceFixedStepClock();
-        }
-        updateMusicClock();
-    }
-    std::string dir_;
-};
-
-TEST_F(FixedStep, FrameKSeesRoundedKThousandthsOverFps) {
+TEST_F(MusicClock, WithoutSoundOnTheFixedStepClockFrameKSeesRoundedMillisAndTheSoundtracksLevelThere) {
+    g_soundEnabled = false;  // nothing is opened, and the clock still starts
+    openMusic(path("missing.mp3").c_str());
+    EXPECT_EQ(g_stream + g_music, 0u);
     std::string error;
     ASSERT_TRUE(startFixedStepClock(30, "", &error));
     startMusic();
+    advanceFixedStepClock();
     updateMusicClock();
-    EXPECT_EQ(g_demoTime, 0.0f);
-    swapFrames(1);
-    EXPECT_EQ(g_demoTime, static_cast<float>(33 * DEMO_TIME_SCALE));
-    swapFrames(1);
-    EXPECT_EQ(g_demoTime, static_cast<float>(67 * DEMO_TIME_SCALE));
-    swapFrames(28);
-    EXPECT_EQ(g_demoTime, 10.0f);
-    // A silent show (no soundtrack) reports the no-channel level.
-    EXPECT_EQ(g_levelLeft, 65535u);
-}
-
-TEST_F(FixedStep, LevelsComeFromTheSoundtrackAndItsEndMovesTheZero) {
-    // One second: 0.5 s loud, 0.5 s silent.
-    writeMp3(dir_ + "/song.mp3", tone(44100, 22050, 20000, 10000));
-    std::string error;
-    ASSERT_TRUE(startFixedStepClock(10, dir_ + "/song.mp3", &error)) << error;
+    EXPECT_EQ(g_levelLeft + g_levelRight, 2 * 65535u) << "a silent show has no level";
+    EXPECT_FALSE(startFixedStepClock(30, testDataPath("3ds/test1.3ds"), &error));
+    EXPECT_NE(error.find("test1.3ds"), std::string::npos);
+    ASSERT_TRUE(startFixedStepClock(30, testSound("song.mp3"), &error)) << error;
     startMusic();
-    swapFrames(3);  // 300 ms: loud
-    EXPECT_NEAR(static_cast<int>(g_levelLeft), 20000 / 256, 4);
-    EXPECT_NEAR(static_cast<int>(g_levelRight), 10000 / 256, 4);
-    swapFrames(5);  // 800 ms: silent
-    EXPECT_LE(g_levelLeft, 1u);
-    swapFrames(4);  // 1200 ms: the song started again 200 ms ago
-    EXPECT_FLOAT_EQ(g_demoTime, 2.0f);
-    EXPECT_NEAR(static_cast<int>(g_levelLeft), 20000 / 256, 4);
-}
-
-TEST_F(FixedStep, ASoundtrackThatOpensNeitherWayIsRefused) {
-    writeBytes(dir_ + "/junk.mp3", std::vector<uint8_t>(4000, 0x11));
-    std::string error;
-    EXPECT_FALSE(startFixedStepClock(30, dir_ + "/junk.mp3", &error));
-    EXPECT_NE(error.find("junk.mp3"), std::string::npos);
+    // The song sounds for its first 250 ms and starts again at 500.
+    const struct { int frames, millis, left, right; } steps[] = {
+        {1, 33, 62, 31}, {1, 67, 62, 31}, {6, 267, 62, 31},  // the 20 ms before 267 ms hold sound
+        {4, 400, 0, 0},  {3, 0, 0, 0},    {3, 100, 62, 31}};
+    for (const auto& [frames, millis, left, right] : steps) {
+        setFixedStepFrame(fixedStepFrames() + frames);  // the frames swapped
+        updateMusicClock();
+        EXPECT_EQ(g_demoTime, static_cast<float>(millis * DEMO_TIME_SCALE)) << millis;
+        EXPECT_NEAR(static_cast<int>(g_levelLeft), left, 4) << millis;
+        EXPECT_NEAR(static_cast<int>(g_levelRight), right, 4) << millis;
+    }
 }
 
 }  // namespace

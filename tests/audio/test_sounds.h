@@ -11,15 +11,15 @@
 // (0..32767) for the first `loudFrames`, silence after.
 std::vector<int16_t> tone(size_t frames, size_t loudFrames, int leftAmplitude, int rightAmplitude);
 
-// Encodes interleaved stereo 44,100 Hz samples to an MP3 file at `path`.
+// Encodes interleaved stereo 44,100 Hz samples to an MP3 file at `path`, or to a
+// PCM WAV file when `path` ends in ".wav" (the MP3 decoder would take it; the show must not).
 void writeMp3(const std::string& path, const std::vector<int16_t>& samples);
 
-// A four-channel ProTracker module: one square-wave note on channel 1 for one
-// pattern at speed 1 (64 rows of 20 ms), so the song ends after about 1.3 s.
-void writeModule(const std::string& path);
-
-// A PCM WAV file of `samples` (the MP3 decoder would take it; the show must not).
-void writeWav(const std::string& path, const std::vector<int16_t>& samples);
+// The tests' sounds, made once per program, by name: "song.mp3" is 0.5 s of
+// which the first 0.25 s sound (left amplitude 16000, right 8000), then
+// silence; "song.wav" the same as PCM WAV; "song.mod" a four-channel
+// ProTracker module, one square-wave note at speed 1 (64 rows of 20 ms, about 1.3 s).
+std::string testSound(const std::string& name);
 
 void writeBytes(const std::string& path, const std::vector<uint8_t>& bytes);
 

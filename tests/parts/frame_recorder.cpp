@@ -48,12 +48,11 @@ std::string fog() {
 }
 
 const std::map<uint32_t, const char*> MODES = {
-    {MODE_FLAT, "MODE_FLAT"}, {MODE_SMOOTH, "MODE_SMOOTH"}, {MODE_SPHERE_MAP, "MODE_SPHERE_MAP"},
-    {MODE_WIRE, "MODE_WIRE"}, {MODE_WIRE_LIT, "MODE_WIRE_LIT"}, {MODE_TEXTURE, "MODE_TEXTURE"},
-    {MODE_TEXTURE_FLAT, "MODE_TEXTURE_FLAT"}, {MODE_TEXTURE_SMOOTH, "MODE_TEXTURE_SMOOTH"}};
-const std::map<uint32_t, const char*> FLAGS = {{MAT_OPAQUE, "MAT_OPAQUE"}, {MAT_ADD, "MAT_ADD"},
-                                               {MAT_DARKEN, "MAT_DARKEN"}, {MAT_ALPHA, "MAT_ALPHA"},
-                                               {MAT_LINEAR, "MAT_LINEAR"}, {MAT_NO_DEPTH, "MAT_NO_DEPTH"}};
+    {MODE_FLAT, "MODE_FLAT"}, {MODE_SMOOTH, "MODE_SMOOTH"}, {MODE_SPHERE_MAP, "MODE_SPHERE_MAP"}, {MODE_WIRE, "MODE_WIRE"},
+    {MODE_WIRE_LIT, "MODE_WIRE_LIT"}, {MODE_TEXTURE, "MODE_TEXTURE"}, {MODE_TEXTURE_FLAT, "MODE_TEXTURE_FLAT"},
+    {MODE_TEXTURE_SMOOTH, "MODE_TEXTURE_SMOOTH"}};
+const std::map<uint32_t, const char*> FLAGS = {{MAT_OPAQUE, "MAT_OPAQUE"}, {MAT_ADD, "MAT_ADD"}, {MAT_DARKEN, "MAT_DARKEN"},
+                                               {MAT_ALPHA, "MAT_ALPHA"}, {MAT_LINEAR, "MAT_LINEAR"}, {MAT_NO_DEPTH, "MAT_NO_DEPTH"}};
 
 void writeMesh(const MeshObject& mesh, const Material& material) {
     char colour[16];

@@ -1,13 +1,24 @@
-// The rules of part 1's beat reveal, part 7's loudness bands and part 6's
-// sprite depths (part 1's latches are tested through its draw step).
+// The parts' rules without a context: part 1's beat reveal, part 7's loudness
+// bands, part 6's sprite depths and the wave heights, call by call from
+// tests/data/parts/rules.txt; the wave map filled (only the height byte of each
+// cell, row after row, at the part time) and a mesh displaced by it.
 #include "parts/beat_reveal.h"
 #include "parts/loudness_bands.h"
 #include "parts/sprite_stream.h"
+#include "parts/wave_map.h"
 
+#include "app/sequencer.h"
 #include "engine/world.h"
+#include "tests/support/fatal_catcher.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
+#include <fstream>
+#include <limits>
+#include <sstream>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -21,44 +32,51 @@ struct Reveal {
     explicit Reveal(int meshes) {
         for (int i = 0; i < meshes; ++i) {
             world.addMesh(new MeshObject);
-            if (i >= 3) {
-                world.meshes[i]->flags &= static_cast<uint8_t>(~MESH_VISIBLE);
-            }
+            world.meshes[i]->flags = i < 3 ? MESH_VISIBLE : 0;
         }
     }
-    void frames(const std::vector<uint32_t>& levelSums) {
-        for (uint32_t sum : levelSums) {
-            revealOnBeat(world, sum, &index, &armed);
-        }
+    void frames(const std::vector<double>& levelSums) {
+        for (double sum : levelSums) revealOnBeat(world, static_cast<uint32_t>(sum), &index, &armed);
     }
 };
 
-}  // namespace
-
-TEST(BeatReveal, EachBeatAfterAQuietFrameShowsTheNextMeshFromFourUpToTheLast) {
-    const struct { const char* what; int meshes; std::vector<uint32_t> levelSums; int32_t index, armed; } cases[] = {
-        {"loudness that stays up reveals once; a failed query is loud", 7, {200, 200, 65535u + 65535u}, 4, 0},
-        {"a quiet frame re-arms", 7, {200, 29}, 4, 1},
-        {"then the next beat shows mesh 5", 7, {200, 29, 31}, 5, 0},
-        {"a sum of exactly 30 does not reveal while armed", 7, {30}, 3, 1},
-        {"nor re-arm", 7, {31, 30, 31}, 4, 0},
-        {"more beats than meshes stop at the last", 6, {60, 0, 60, 0, 60, 0, 60, 0, 60}, 5, 0},
-        {"a World without meshes is left alone", 0, {60}, -1, 0},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
-        Reveal reveal(c.meshes);
-        reveal.frames(c.levelSums);
-        EXPECT_EQ(reveal.index, c.index);
-        EXPECT_EQ(reveal.armed, c.armed);
-        for (int i = 0; i < c.meshes; ++i) {  // mesh 3 is never shown
-            const bool shown = i < 3 || (i > 3 && i <= c.index);
-            EXPECT_EQ((reveal.world.meshes[i]->flags & MESH_VISIBLE) != 0, shown) << "mesh " << i;
+TEST(PartRules, CallsGiveTheirResults) {
+    std::ifstream file(testDataPath("parts/rules.txt"));
+    int number = 0, calls = 0;
+    for (std::string line; std::getline(file, line);) {
+        ++number;
+        if (line.empty() || line[0] == '#') continue;
+        SCOPED_TRACE("rules.txt:" + std::to_string(number) + ": " + line);
+        ++calls;
+        std::istringstream words(line);
+        std::string name, word;
+        std::vector<double> args, want;
+        std::vector<double>* into = &args;
+        for (words >> name; words >> word;) {
+            if (word == "->") into = &want;
+            else into->push_back(std::stod(word));
+        }
+        if (name == "reveal") {
+            Reveal reveal(static_cast<int>(args[0]));
+            reveal.frames({args.begin() + 1, args.end()});
+            EXPECT_EQ(std::vector<double>({static_cast<double>(reveal.index), static_cast<double>(reveal.armed)}), want);
+            for (int i = 0; i < reveal.world.meshCount; ++i) {  // mesh 3 is never shown
+                EXPECT_EQ((reveal.world.meshes[i]->flags & MESH_VISIBLE) != 0, i < 3 || (i > 3 && i <= reveal.index)) << i;
+            }
+        } else if (name == "loudness") {
+            EXPECT_EQ(loudnessSelection(static_cast<uint32_t>(args[0]), static_cast<int32_t>(args[1])), want[0]);
+        } else if (name == "depth") {
+            EXPECT_EQ(spriteDepth(static_cast<int>(args[0]), static_cast<float>(args[1])), want[0]);
+        } else if (name == "height") {
+            EXPECT_EQ(waveHeight(static_cast<int>(args[0]), static_cast<int>(args[1]), args[2], args[3]), want[0]);
+        } else {
+            ADD_FAILURE() << "no such call";
         }
     }
+    EXPECT_GT(calls, 40);
 }
 
-TEST(BeatReveal, LastMeshHiddenBySomeoneElseComesBackOnTheNextBeatWithItsOtherFlags) {
+TEST(PartRules, ARevealedMeshHiddenBySomeoneElseComesBackOnTheNextBeatWithItsOtherFlags) {
     Reveal reveal(6);
     reveal.frames({60, 0, 60});
     ASSERT_EQ(reveal.index, 5);
@@ -68,29 +86,70 @@ TEST(BeatReveal, LastMeshHiddenBySomeoneElseComesBackOnTheNextBeatWithItsOtherFl
     EXPECT_EQ(reveal.world.meshes[5]->flags, 0x80 | MESH_VISIBLE);
 }
 
-TEST(LoudnessBands, ALevelSelectsTheMeshWhoseBandHoldsItBoundsAndBeyondTheLastSelectNothing) {
-    const struct { uint32_t levelSum; int32_t meshes, selected; } cases[] = {
-        {0, 10, -1}, {35, 10, -1}, {70, 10, -1}, {105, 10, -1}, {140, 10, -1}, {36, 10, 0},  {69, 10, 0},
-        {71, 10, 1}, {104, 10, 1}, {106, 10, 2}, {256, 10, 6},  {139, 3, 2},   {141, 3, -1}, {256, 3, -1},
-        {65535u + 65535u, 3, -1},  {36, 0, -1}};
-    for (const auto& c : cases) {
-        EXPECT_EQ(loudnessSelection(c.levelSum, c.meshes), c.selected) << c.levelSum << " of " << c.meshes;
+// A map of known bytes in place of g_waveMap while a test runs.
+class WaveMap : public ::testing::Test {
+protected:
+    void SetUp() override {
+        g_waveMap = map.data();
+        g_partTime = 0.0f;
+    }
+    void TearDown() override { g_waveMap = nullptr; }
+    uint8_t& cell(int row, int column, int byte = WAVE_MAP_HEIGHT_BYTE) { return map[(row * 64 + column) * 4 + byte]; }
+    std::vector<uint8_t> map = std::vector<uint8_t>(WAVE_MAP_BYTES, 0xAB);
+};
+
+TEST_F(WaveMap, FillWritesOnlyTheHeightByteOfEachCellRowAfterRowAtThePartTime) {
+    fillWaveMap(0.1);
+    // With time 0 a cell of column 0 is flat (sin 0) and row 0 takes the column wave whole.
+    EXPECT_EQ(cell(10, 0), 128);
+    EXPECT_EQ(cell(0, 10), static_cast<int>((std::sin(1.0) + 1.0) * 128.0));
+
+    g_partTime = 584.25f;
+    fillWaveMap(0.2);
+    for (int row = 0; row < 64; ++row) {
+        for (int column = 0; column < 64; ++column) {
+            ASSERT_EQ(cell(row, column), waveHeight(row, column, 0.2, 584.25));
+            for (int byte : {0, 1, 3}) {
+                ASSERT_EQ(cell(row, column, byte), 0xAB) << row << " " << column;
+            }
+        }
     }
 }
 
-TEST(SpriteDepths, MoveFiftyPerTenthFromEvenSpacingAndWrapWithTheSignOfN) {
-    for (int k = 0; k < SPRITE_COUNT * SPRITE_SPACING; k += SPRITE_SPACING) {
-        EXPECT_EQ(spriteDepth(k, 0.0f), k - 2500) << k;
-        EXPECT_EQ(spriteDepth(k, 1.0f), k - 2450) << k;
+TEST_F(WaveMap, DisplacementScalesTheRestPositionByTheClampedCellUnderTheVertex) {
+    std::tie(cell(0, 0), cell(0, 63), cell(63, 0), cell(63, 63)) = std::tuple(1, 2, 3, 255);
+    std::tie(cell(16, 32), cell(32, 16)) = std::tuple(200, 10);  // row from v, column from u
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const float huge = std::numeric_limits<float>::infinity();
+    // u = 1.0 is column 64: the last; not a number is column 0, an infinite v
+    // the last row; -0.64 truncates toward zero; the last vertex is past the
+    // rest shape's count and keeps its position.
+    const struct { float u, v; int height; } vertices[] = {
+        {0.0f, 0.0f, 1}, {0.5f, 0.25f, 200}, {0.25f, 0.5f, 10}, {0.999f, 0.999f, 255}, {1.0f, 0.0f, 2},
+        {0.0f, 1.0f, 3}, {2.5f, 7.0f, 255},  {-0.5f, -3.0f, 1}, {nan, huge, 3},        {-0.01f, 0.0f, 1},
+        {0.5f, 0.25f, -1}};
+    const int count = static_cast<int>(std::size(vertices));
+    MeshObject mesh;
+    MeshObject rest;
+    mesh.vertexCount = count;
+    mesh.vertices = new Vertex[count];
+    for (int k = 0; k < count; ++k) {
+        mesh.vertices[k] = Vertex{{7.0f, 7.0f, 7.0f, 42.0f}, {}, vertices[k].u, vertices[k].v};
     }
-    // n = 4999, 5000 (jumps back) and 13500 (near where part 6 starts); -0.5
-    // truncates toward zero, 99.5 to 99; -50 mod 5000 is -50, -5000 mod 5000 is
-    // 0; n = -5100; n = -4999, the deepest a square goes.
-    const struct { int k; float partTime; int depth; } cases[] = {
-        {4900, 1.984375f, 2499}, {4900, 2.0f, -2500},   {0, 270.0f, 1000},       {0, -0.01f, -2500},
-        {100, -0.01f, -2401},    {0, -1.0f, -2550},     {0, -100.0f, -2500},     {0, -101.0f, -2550},
-        {4900, -200.0f, -2600},  {0, -99.984375f, -7499}};
-    for (const auto& c : cases) {
-        EXPECT_EQ(spriteDepth(c.k, c.partTime), c.depth) << c.k << " at " << c.partTime;
+    rest.vertexCount = count - 1;
+    rest.vertices = new Vertex[count - 1];
+    std::fill_n(rest.vertices, count - 1, Vertex{{1.0f, -2.0f, 10.0f, 0.0f}, {}, 0.0f, 0.0f});
+    displaceMesh(mesh, rest, 0.015);
+
+    for (int k = 0; k < count; ++k) {
+        const Vector& p = mesh.vertices[k].position;
+        const double s = vertices[k].height * 0.015;
+        const bool displaced = k < count - 1;
+        EXPECT_EQ(p.x, displaced ? static_cast<float>(s) : 7.0f) << k;
+        EXPECT_EQ(p.y, displaced ? static_cast<float>(s * -2.0) : 7.0f) << k;
+        EXPECT_EQ(p.z, displaced ? static_cast<float>(s * 10.0) : 7.0f) << k;
+        EXPECT_EQ(p.w, 42.0f) << k;
     }
 }
+
+}  // namespace
