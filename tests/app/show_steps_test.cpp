@@ -1,11 +1,11 @@
 // The sequencer and the viewer's controls, driven with parts that keep to the
-// schedule on a clock the test sets and write down what they do: set-ups run
-// once and in order, a part change draws two frames in one call, the end state
-// runs nothing but the end path; a pause stops the clock and the draw steps
-// after the frame being drawn, a jump lands exactly where a show started at
-// that part lands, back goes one part further within the first 2 s, a seek
-// lands the clock on the moment, and a capture takes none of it. The frame
-// rate counts only the time played.
+// schedule on a clock the test sets and write down what they do, by the cases
+// of tests/data/app/player.txt: set-ups run once and in order, a part change
+// draws two frames in one call, the end state runs nothing but the end path; a
+// pause stops the clock and the draw steps after the frame being drawn, a jump
+// lands exactly where a show started at that part lands, back goes one part
+// further within the first 2 s, a seek lands the clock on the moment, and a
+// capture takes none of it. The frame rate counts only the time played.
 #include "app/player.h"
 #include "app/sequencer.h"
 #include "app/shell.h"
@@ -15,10 +15,15 @@
 #include "parts/part_frame.h"
 #include "parts/part_schedule.h"
 
+#include "tests/support/fatal_catcher.h"
+
 #include <GL/freeglut.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <fstream>
+#include <map>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -66,6 +71,8 @@ void recordStartOver() {
 constexpr int SPACE = ' ';
 constexpr int ESCAPE = 27;
 
+int g_toggles = 0;
+
 class Show : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -77,7 +84,9 @@ protected:
         g_musicStartTick = g_now;
         g_playerPlatform = PlayerPlatform{};
         g_playerPlatform.returnToStartState = recordStartState;
+        g_playerPlatform.toggleFullscreen = [] { ++g_toggles; };
         g_playerFixedStepFps = 0;
+        g_toggles = 0;
         g_events.clear();
     }
     void TearDown() override {
@@ -94,12 +103,6 @@ protected:
         g_endRequested = false;
     }
 
-    // The show started at `part` and its first frame drawn, at the test clock's now.
-    static void startAt(int32_t part) {
-        g_partCounter = 0;
-        startShowAt(part, g_playerFixedStepFps);
-        onFrame();
-    }
     // The clock at demo time `tenths` of the show started at g_musicStartTick.
     static void at(double tenths) { g_now = g_musicStartTick + static_cast<uint32_t>(std::lround(tenths * 100.0)); }
 
@@ -109,250 +112,167 @@ protected:
         onFrame();
         return g_events;
     }
-
-    static void key(int special) { onSpecialKey(special, 0, 0); }
 };
+
+// The keys of the cases, as GLUT gives them: plain keys, special keys (+1000), and others.
+void press(const std::string& name) {
+    static const std::map<std::string, int> SPECIAL = {
+        {"right", SPECIAL_KEY_RIGHT}, {"left", SPECIAL_KEY_LEFT}, {"pageup", SPECIAL_KEY_PAGE_UP},
+        {"pagedown", SPECIAL_KEY_PAGE_DOWN}, {"home", SPECIAL_KEY_HOME}, {"up", SPECIAL_KEY_UP},
+        {"down", SPECIAL_KEY_DOWN}, {"shift+right", SPECIAL_KEY_RIGHT + SPECIAL_KEY_SHIFT},
+        {"shift+left", SPECIAL_KEY_LEFT + SPECIAL_KEY_SHIFT}};
+    if (const auto special = SPECIAL.find(name); special != SPECIAL.end()) {
+        onSpecialKey(special->second, 0, 0);
+    } else if (name == "space" || name == "escape") {
+        onKey(static_cast<unsigned char>(name == "space" ? SPACE : ESCAPE), 0, 0);
+    } else if (name == "mouse-down" || name == "mouse-up") {
+        onMouse(GLUT_MIDDLE_BUTTON, name == "mouse-down" ? GLUT_DOWN : GLUT_UP, 10, 10);
+    } else if (name == "close") {
+        onWindowClose();
+    } else if (name == "signal") {
+        g_endRequested = true;
+    } else {
+        ASSERT_EQ(name.size(), 1u) << "no key " << name;
+        onKey(static_cast<unsigned char>(name[0]), 0, 0);
+    }
+}
+
+// "a | b | c" as its events.
+Events eventsOf(const std::string& text) {
+    Events events;
+    std::istringstream parts(text);
+    for (std::string event; std::getline(parts, event, '|');) {
+        const size_t from = event.find_first_not_of(' ');
+        if (from != std::string::npos) {
+            events.push_back(event.substr(from, event.find_last_not_of(' ') - from + 1));
+        }
+    }
+    return events;
+}
+
+struct Case {
+    std::string name;
+    std::vector<std::string> steps;
+};
+void PrintTo(const Case& c, std::ostream* out) { *out << c.name; }
+
+std::vector<Case> readCases() {
+    std::vector<Case> cases;
+    std::ifstream file(testDataPath("app/player.txt"));
+    for (std::string line; std::getline(file, line);) {
+        if (line.rfind("case ", 0) == 0) {
+            cases.push_back({line.substr(5), {}});
+        } else if (!cases.empty() && !line.empty() && line[0] != '#') {
+            cases.back().steps.push_back(line);
+        }
+    }
+    return cases;
+}
+
+class Script : public Show, public ::testing::WithParamInterface<Case> {};
+
+TEST_P(Script, RunsAsWrittenDown) {
+    for (const std::string& step : GetParam().steps) {
+        SCOPED_TRACE(step);
+        std::istringstream words(step);
+        std::string command;
+        words >> command;
+        std::string rest;
+        std::getline(words, rest);
+        const auto number = [&] { return std::stod(rest); };
+        const auto yes = [&] { return rest.find("yes") != std::string::npos; };
+        if (command == "start" || command == "rebuild") {
+            int part = 0;
+            int fps = 0;
+            std::istringstream(rest) >> part >> fps;
+            g_events.clear();
+            g_partCounter = 0;
+            startShowAt(part, fps);
+            if (command == "start") {
+                onFrame();
+            }
+        } else if (command == "wait") {
+            g_now += static_cast<uint32_t>(number());
+        } else if (command == "at") {
+            at(number());
+        } else if (command == "now" || command == "zero") {
+            if (command == "now") {
+                g_now = static_cast<uint32_t>(number());
+            } else {
+                g_musicStartTick = static_cast<uint32_t>(number());
+            }
+        } else if (command == "key") {
+            std::istringstream keys(rest);
+            for (std::string key; keys >> key;) {
+                press(key);
+            }
+        } else if (command == "jump" || command == "seek" || command == "seekby" || command == "volume") {
+            command == "jump" ? playerJumpTo(static_cast<int32_t>(number()))
+            : command == "seek" ? playerSeekTo(number())
+            : command == "seekby" ? playerSeekBy(number())
+                                  : playerSetVolume(static_cast<int>(number()));
+        } else if (command == "set-counter") {
+            g_partCounter = static_cast<int32_t>(number());
+        } else if (command == "capture") {
+            g_playerEnabled = false;
+        } else if (command == "loop") {
+            g_showStartsOver = recordStartOver;
+        } else if (command == "frame") {
+            EXPECT_EQ(frame(), eventsOf(rest));
+        } else if (command == "last") {
+            const Events want = eventsOf(rest);
+            const Events got = frame();
+            ASSERT_GE(got.size(), want.size()) << ::testing::PrintToString(got);
+            EXPECT_EQ(Events(got.end() - static_cast<long>(want.size()), got.end()), want);
+        } else if (command == "events") {
+            EXPECT_EQ(std::exchange(g_events, {}), eventsOf(rest));
+        } else if (command == "part" || command == "counter" || command == "volume-is" || command == "toggles") {
+            const int got = command == "part" ? playerPart() : command == "counter" ? g_partCounter
+                            : command == "volume-is" ? playerVolume() : g_toggles;
+            EXPECT_EQ(got, static_cast<int>(number()));
+        } else if (command == "paused" || command == "music-paused" || command == "muted") {
+            EXPECT_EQ(command == "paused" ? playerPaused() : command == "muted" ? playerMuted() : musicPaused(), yes());
+        } else if (command == "gain") {
+            EXPECT_FLOAT_EQ(playerGain(playerVolume(), playerMuted()), static_cast<float>(number()));
+        } else if (command == "time") {
+            updateMusicClock();
+            EXPECT_FLOAT_EQ(g_demoTime, static_cast<float>(number()));
+        } else if (command == "first-tick" || command == "back") {
+            double a = 0, b = 0, c = 0;
+            std::istringstream(rest) >> a >> b >> c;
+            EXPECT_EQ(command == "back" ? partBackTarget(static_cast<int32_t>(a), static_cast<float>(b))
+                                        : firstTickOfPart(static_cast<int32_t>(a), static_cast<int>(b)),
+                      static_cast<long>(c));
+        } else {
+            FAIL() << "no such step";
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, Script, ::testing::ValuesIn(readCases()), [](const auto& info) {
+    std::string name;
+    for (const char c : info.param.name) {
+        name += std::isalnum(static_cast<unsigned char>(c)) ? c : '_';
+    }
+    return name;
+});
 
 TEST_F(Show, EveryPartIsSetUpOnceInOrderAndAPartChangeDrawsTwoFramesInOneCall) {
     EXPECT_EQ(frame(), (Events{"setup 1", "draw 1 at 0.0000"}));
-    EXPECT_EQ(g_partCounter, 1);
     for (int k = 1; k <= PART_COUNT; ++k) {
         at(partEndTime(k));
         EXPECT_EQ(frame().size(), 1u) << "part " << k << " goes on at its end time";
         at(partEndTime(k) + 0.1);
-        const std::string drawn = "draw " + std::to_string(k) + " at " + std::to_string(partEndTime(k) + 0.1f).substr(0, 6);
+        const std::string time = std::to_string(partEndTime(k) + 0.1f).substr(0, 6);
+        const std::string drawn = "draw " + std::to_string(k) + " at " + time;
         if (k < PART_COUNT) {
             const std::string next = std::to_string(k + 1);
-            EXPECT_EQ(frame(), (Events{drawn, "setup " + next, "draw " + next + drawn.substr(drawn.find(" at"))}));
+            EXPECT_EQ(frame(), (Events{drawn, "setup " + next, "draw " + next + " at " + time}));
             EXPECT_EQ(g_partCounter, 2 * (k + 1) - 1);
         } else {
             EXPECT_EQ(frame(), (Events{drawn, "end"})) << "the last part's final frame, then the end path";
         }
     }
-    // A part whose time is already over still draws one frame.
-    g_partCounter = 0;
-    g_musicStartTick = g_now;
-    frame();
-    at(400.0);
-    EXPECT_EQ(frame(), (Events{"draw 1 at 400.00", "setup 2", "draw 2 at 400.00", "setup 3", "draw 3 at 400.00",
-                               "setup 4", "draw 4 at 400.00"}));
-}
-
-TEST_F(Show, EscapeAMousePressAClosedWindowOrASignalRunOnlyTheEndPathAtTheNextFrame) {
-    onKey(ESCAPE, 0, 0);
-    EXPECT_EQ(frame(), (Events{"end"})) << "before the first frame";
-    startAt(4);
-    onKey(ESCAPE, 0, 0);
-    EXPECT_EQ(g_partCounter, PART_COUNTER_END);
-    EXPECT_EQ(frame(), (Events{"end"}));
-    g_partCounter = 7;
-    onMouse(GLUT_RIGHT_BUTTON, GLUT_UP, 10, 10);
-    EXPECT_EQ(g_partCounter, 7) << "a release does nothing";
-    onMouse(GLUT_MIDDLE_BUTTON, GLUT_DOWN, 10, 10);
-    EXPECT_EQ(frame(), (Events{"end"}));
-    g_partCounter = 5;
-    onWindowClose();
-    EXPECT_EQ(frame(), (Events{"end"}));
-    g_partCounter = 5;
-    g_endRequested = true;
-    EXPECT_EQ(frame(), (Events{"end"}));
-}
-
-TEST_F(Show, ALoopingShowStartsOverOnlyWhenItsLastPartEnds) {
-    g_showStartsOver = recordStartOver;
-    startAt(13);
-    at(2269.1);
-    EXPECT_EQ(frame(), (Events{"draw 13 at 2269.1", "start over"}));
-    EXPECT_EQ(frame(), (Events{"setup 1", "draw 1 at 0.0000"}));
-    onKey(ESCAPE, 0, 0);
-    EXPECT_EQ(frame(), (Events{"end"})) << "Escape ends it like any show";
-}
-
-TEST_F(Show, StartingAtAPartRebuildsEveryEarlierPartFromItsLastFrameUnseen) {
-    // Four frames a second: frame j shows 2.5 j. The last frame of part 1 is
-    // the first above 210 (frame 85), of part 2 the first above 335 (135).
-    startShowAt(3, 4);
-    EXPECT_EQ(g_events, (Events{"setup 1", "draw 1 at 212.50 unseen", "setup 2", "draw 2 at 337.50 unseen"}));
-    EXPECT_EQ(g_partCounter, 4) << "part 3's set-up comes next";
-    EXPECT_FALSE(g_framesUnseen);
-    // Part 3's first frame is the one after part 2's last: frame 136, 340.0.
-    g_now = 34000;
-    g_musicStartTick = 0;
-    EXPECT_EQ(frame(), (Events{"setup 3", "draw 3 at 340.00"}));
-    EXPECT_EQ(firstTickOfPart(3, 4), 136);
-    EXPECT_EQ(firstTickOfPart(13, 30), 5777) << "1925.33 is the first frame above 1925 at 30 frames/s";
-
-    // On the wall clock the earlier parts' last frames come a millisecond past
-    // their end times, and the clock starts at the end of the part before.
-    g_events.clear();
-    g_partCounter = 0;
-    startShowAt(2, 0);
-    EXPECT_EQ(g_events, (Events{"setup 1", "draw 1 at 210.00 unseen"}));
-    updateMusicClock();
-    EXPECT_FLOAT_EQ(g_demoTime, 210.0f);
-}
-
-TEST_F(Show, APauseStopsTheClockAndTheDrawStepsAfterTheFrameBeingDrawn) {
-    startAt(1);
-    g_now += 2000;
-    onKey(SPACE, 0, 0);
-    onKey(SPACE, 0, 0);
-    EXPECT_FALSE(playerPaused()) << "space twice before the next frame is no pause";
-    onKey(SPACE, 0, 0);
-    EXPECT_TRUE(playerPaused());
-    EXPECT_EQ(frame(), (Events{"draw 1 at 20.000 held"})) << "the frame being drawn is kept on view";
-    EXPECT_TRUE(musicPaused());
-    g_now += 5000;
-    EXPECT_EQ(frame(), Events{});
-    updateMusicClock();
-    EXPECT_FLOAT_EQ(g_demoTime, 20.0f) << "the clock stands";
-    onKey(SPACE, 0, 0);
-    EXPECT_FALSE(musicPaused());
-    g_now += 300;
-    EXPECT_EQ(frame(), (Events{"draw 1 at 23.000"})) << "only the time played counts";
-
-    // A jump while paused draws the part's first frame and stays paused.
-    onKey(SPACE, 0, 0);
-    frame();
-    g_now += 3000;
-    key(SPECIAL_KEY_RIGHT);
-    EXPECT_EQ(frame().back(), "draw 2 at 210.00 held");
-    EXPECT_TRUE(playerPaused());
-    EXPECT_TRUE(musicPaused());
-    EXPECT_EQ(frame(), Events{});
-    onKey(SPACE, 0, 0);
-    g_now += 500;
-    EXPECT_EQ(frame(), (Events{"draw 2 at 215.00"})) << "the clock goes on from the part's start";
-
-    // Escape while paused ends the show; no jump is taken after it.
-    onKey(SPACE, 0, 0);
-    frame();
-    onKey(ESCAPE, 0, 0);
-    EXPECT_EQ(frame(), (Events{"end"}));
-    key(SPECIAL_KEY_RIGHT);
-    g_partCounter = 3;  // as if playing again: still paused, and no jump was taken
-    EXPECT_EQ(frame(), Events{});
-    EXPECT_EQ(playerPart(), 2);
-}
-
-TEST_F(Show, AJumpLandsWhereAShowStartedAtThatPartLands) {
-    for (const int32_t target : {4, 13}) {
-        g_events.clear();
-        startAt(target);
-        const Events started = g_events;
-
-        startAt(3);
-        g_now += 1500;
-        frame();
-        if (target == 4) {
-            key(SPECIAL_KEY_RIGHT);
-        } else {
-            playerJumpTo(target);
-        }
-        const Events jumped = frame();
-        ASSERT_FALSE(jumped.empty());
-        EXPECT_EQ(jumped.front(), "start state") << "the GL state goes back to its start first";
-        EXPECT_EQ(Events(jumped.begin() + 1, jumped.end()), started) << "to part " << target;
-        EXPECT_EQ(playerPart(), target);
-    }
-    key(SPECIAL_KEY_RIGHT);
-    g_now += 40;
-    EXPECT_EQ(frame().size(), 1u) << "Right on the last part goes nowhere";
-}
-
-TEST_F(Show, BackRestartsThePartOrGoesToTheOneBeforeWithinTwoSeconds) {
-    startAt(5);
-    g_now += 1900;
-    frame();
-    key(SPECIAL_KEY_LEFT);
-    EXPECT_EQ(playerPart(), 4) << "1.9 s into part 5";
-    EXPECT_EQ(frame().back(), "draw 4 at 395.00");
-    g_now += 2100;
-    frame();
-    key(SPECIAL_KEY_PAGE_UP);
-    EXPECT_EQ(playerPart(), 4) << "2.1 s into part 4";
-    EXPECT_EQ(frame().back(), "draw 4 at 395.00");
-
-    // Presses before the next frame go on from the part already asked for.
-    key(SPECIAL_KEY_PAGE_DOWN);
-    key(SPECIAL_KEY_RIGHT);
-    key(SPECIAL_KEY_RIGHT);
-    key(SPECIAL_KEY_LEFT);
-    EXPECT_EQ(playerPart(), 6);
-    EXPECT_EQ(frame().back(), "draw 6 at 658.00");
-
-    key(SPECIAL_KEY_HOME);
-    EXPECT_EQ(frame(), (Events{"start state", "setup 1", "draw 1 at 0.0000"}));
-    key(SPECIAL_KEY_LEFT);
-    EXPECT_EQ(playerPart(), 1) << "nothing comes before part 1";
-    frame();
-    // A soundtrack shorter than the show started again: the part has played a while.
-    EXPECT_EQ(partBackTarget(7, 12.0f), 7);
-    EXPECT_EQ(partBackTarget(7, 789.9f), 6);
-    EXPECT_EQ(partBackTarget(7, 790.0f), 7);
-}
-
-TEST_F(Show, ASeekLandsTheLiveClockOnTheMomentWithinTheShow) {
-    startAt(3);
-    g_now += 1000;
-    frame();
-    playerSeekTo(100.025);  // between two frames of the grid
-    EXPECT_EQ(playerPart(), 8);
-    const Events sought = frame();
-    EXPECT_EQ(sought.front(), "start state");
-    EXPECT_EQ(Events(sought.end() - 4, sought.end()),
-              (Events{"setup 8", "draw 8 at 1000.0 unseen", "draw 8 at 1000.1 unseen", "draw 8 at 1000.2"}))
-        << "the frames before it on the grid of 60 a second, then the moment itself";
-    onKey('.', 0, 0);  // no step while playing
-    g_now += 500;
-    EXPECT_EQ(frame(), (Events{"draw 8 at 1005.2"})) << "the clock goes on from the moment";
-    key(SPECIAL_KEY_LEFT + SPECIAL_KEY_SHIFT);
-    EXPECT_EQ(frame().back(), "draw 7 at 955.25");
-    key(SPECIAL_KEY_DOWN);
-    key(SPECIAL_KEY_DOWN);
-    key(SPECIAL_KEY_DOWN);
-    EXPECT_EQ(frame().back(), "draw 1 at 55.250") << "presses before the next frame add up";
-    playerSeekBy(-100.0);
-    EXPECT_EQ(frame(), (Events{"start state", "setup 1", "draw 1 at 0.0000"}));
-    playerSeekTo(1000.0);
-    EXPECT_EQ(frame().back(), "draw 13 at 2269.0") << "the last frame before the show's end";
-}
-
-TEST_F(Show, VolumeStepsStayWithinRangeMuteKeepsTheVolumeAndACaptureTakesNoKeyButEscape) {
-    startAt(1);
-    onKey('+', 0, 0);
-    EXPECT_EQ(playerVolume(), 100);
-    for (int i = 0; i < 3; ++i) {
-        onKey('-', 0, 0);
-    }
-    EXPECT_EQ(playerVolume(), 70);
-    onKey('m', 0, 0);
-    EXPECT_TRUE(playerMuted());
-    EXPECT_FLOAT_EQ(playerGain(playerVolume(), playerMuted()), 0.0f);
-    onKey('=', 0, 0);
-    EXPECT_EQ(playerVolume(), 80);
-    onKey('m', 0, 0);
-    EXPECT_FLOAT_EQ(playerGain(playerVolume(), playerMuted()), 0.64f) << "the volume squared, so steps sound even";
-    playerSetVolume(130);
-    EXPECT_EQ(playerVolume(), 100);
-
-    static int toggles = 0;
-    g_playerEnabled = false;
-    g_playerPlatform.toggleFullscreen = [] { ++toggles; };
-    startAt(3);
-    for (const int k : {' ', 'm', '-', 'f', '.'}) {
-        onKey(static_cast<unsigned char>(k), 0, 0);
-    }
-    key(SPECIAL_KEY_RIGHT);
-    key(SPECIAL_KEY_UP);
-    g_now += 100;
-    EXPECT_EQ(frame(), (Events{"draw 3 at 336.00"}));
-    EXPECT_FALSE(playerPaused());
-    EXPECT_FALSE(playerMuted());
-    EXPECT_EQ(playerVolume(), 100);
-    EXPECT_EQ(toggles, 0);
-    onKey(ESCAPE, 0, 0);
-    EXPECT_EQ(frame(), (Events{"end"}));
 }
 
 TEST_F(Show, RPrintsTheDemoTimeAndOtherKeysDoNothing) {
