@@ -71,27 +71,30 @@ std::string runsFrom(const std::string& prefix, const std::string& cwd) {
     return "";
 }
 
-// The file of `dist` whose name has `prefix` and `suffix`; "" when none has.
+// The newest file of `dist` whose name has `prefix` and `suffix` (the one
+// scripts/package made last); "" when none has.
 std::string packageIn(const std::string& dist, const std::string& prefix, const std::string& suffix) {
     std::error_code missing;
+    std::filesystem::path newest;
     for (const auto& entry : std::filesystem::directory_iterator(dist, missing)) {
         const std::string name = entry.path().filename().string();
         if (name.rfind(prefix, 0) == 0 && name.size() > suffix.size() &&
-            name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0) {
-            return entry.path().string();
+            name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0 &&
+            (newest.empty() || entry.last_write_time() > std::filesystem::last_write_time(newest))) {
+            newest = entry.path();
         }
     }
-    return "";
+    return newest.string();
 }
 
-// The packages of this build's version, each unpacked once for every case.
+// The packages scripts/package made last, each unpacked once for every case.
 class Packages : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
         dir_ = new ScratchDir;
         const std::string dist = std::getenv("KASKADE_DIST") ? std::getenv("KASKADE_DIST") : KASKADE_DIST;
-        deb_ = packageIn(dist, "kaskade_" KASKADE_PACKAGE_VERSION "_", ".deb");
-        const std::string tar = packageIn(dist, "kaskade-" KASKADE_PACKAGE_VERSION "-linux-", ".tar.gz");
+        deb_ = packageIn(dist, "kaskade_", ".deb");
+        const std::string tar = packageIn(dist, "kaskade-" KASKADE_PROJECT_VERSION, "-linux-" + std::string(KASKADE_ARCH) + ".tar.gz");
         unpacked_ = runCommand("dpkg-deb -x " + shellQuoted(deb_) + " " + shellQuoted(dir_->path() + "/deb") +
                                " && mkdir " + shellQuoted(dir_->path() + "/tar") + " && tar -xzf " + shellQuoted(tar) +
                                " -C " + shellQuoted(dir_->path() + "/tar"));
