@@ -81,9 +81,9 @@ async function openPage(browser, errors, options = {}) {
   return page;
 }
 
-// One browser and one server of SITE for a file's tests: `url`, `replaced`
-// (serveSite's), and page(use, options), use(page, errors) on a page of its
-// own, closed however `use` ends.
+// One browser and one server of SITE for a file's tests: `url`, and
+// page(use, options, replaced), use(page, errors) on a page of its own, with
+// `replaced` served (as serveSite's) until it ends, closed however it ends.
 function sharedSite() {
   const shared = { replaced: {} };
   let site = null;
@@ -97,12 +97,14 @@ function sharedSite() {
     await shared.browser?.close();
     await site?.close();
   });
-  shared.page = async (use, options) => {
+  shared.page = async (use, options, replaced = {}) => {
     const errors = [];
     const page = await openPage(shared.browser, errors, options);
+    Object.assign(shared.replaced, replaced);
     try {
       return await use(page, errors);
     } finally {
+      Object.keys(replaced).forEach((name) => delete shared.replaced[name]);
       await page.close().catch(() => {});
     }
   };

@@ -20,12 +20,7 @@ const { SCREENS, launchBrowser, openPage, waitFor, waitForState } = require('./b
 const DIST = path.resolve(__dirname, '../../dist');
 const LOADED = ['kaskade.js', 'kaskade.wasm', '3d', 'harbour.mp3'];
 
-let browser;
-let server;
-let unpacked;  // the empty directory the bundle went into
-let site;      // the bundle's own folder in it
-let version;
-let url;
+let [browser, server, unpacked, site, version, url] = [];  // unpacked: where the bundle went; site: its folder there
 before(async () => {
   const bundles = fs.existsSync(DIST) ? fs.readdirSync(DIST).filter((name) => /^kaskade-web-.*\.tar\.gz$/.test(name))
     .map((name) => path.join(DIST, name)).sort((a, b) => fs.statSync(b).mtimeMs - fs.statSync(a).mtimeMs) : [];
@@ -39,13 +34,9 @@ before(async () => {
   version = /^kaskade-web-(.+)$/.exec(folders[0])[1];
   server = spawn('python3', ['-u', '-m', 'http.server', '0', '--bind', '127.0.0.1', '--directory', site],
                  { stdio: ['ignore', 'pipe', 'ignore'] });
+  let said = '';
   url = await new Promise((resolve, reject) => {
-    let said = '';
-    server.stdout.on('data', (chunk) => {
-      said += chunk;
-      const port = /port (\d+)/.exec(said);
-      port && resolve(`http://127.0.0.1:${port[1]}/`);
-    });
+    server.stdout.on('data', (chunk) => /port (\d+)/.test(said += chunk) && resolve(`http://127.0.0.1:${/port (\d+)/.exec(said)[1]}/`));
     server.on('exit', (code) => reject(new Error(`python3 -m http.server ended (${code}): ${said}`)));
   });
   browser = await launchBrowser();
@@ -58,9 +49,9 @@ after(async () => {
 
 test('the bundle holds each file with .gz and .br copies of the same bytes where they save 5 %, its sizes and a note', () => {
   const saves = (copy, plain) => copy.length * 100 <= plain.length * 95;
-  // Brotli's mid quality: its best takes half a minute on the soundtrack here.
-  const packs = { '.gz': (bytes) => zlib.gzipSync(bytes, { level: 9 }),
-    '.br': (bytes) => zlib.brotliCompressSync(bytes, { params: { [zlib.constants.BROTLI_PARAM_QUALITY]: 5 } }) };
+  // gzip -9, and brotli's mid quality: its best takes half a minute on the soundtrack here.
+  const packs = { '.gz': (bytes) => zlib.gzipSync(bytes, { level: 9 }), '.br': (bytes) => zlib.brotliCompressSync(bytes,
+    { params: { [zlib.constants.BROTLI_PARAM_QUALITY]: 5 } }) };
   const unpacks = { '.gz': zlib.gunzipSync, '.br': zlib.brotliDecompressSync };
   const note = fs.readFileSync(path.join(site, 'README.txt'), 'utf8');
   for (const name of fs.readdirSync(site).filter((file) => !/\.(gz|br)$|^README\.txt$/.test(file))) {
@@ -90,9 +81,9 @@ test('served by python on a slow line, the page counts its files in to 100 %, st
   const page = await openPage(browser, errors);
   try {
     const network = await page.context().newCDPSession(page);
-    await network.send('Network.enable');
     const line = (bytesPerSecond) => network.send('Network.emulateNetworkConditions',
                                                   { offline: false, latency: 0, downloadThroughput: bytesPerSecond, uploadThroughput: -1 });
+    await network.send('Network.enable');
     await line(3 * 1024 * 1024);  // slow enough to see the page load: the bundle is about 8 MB
     // The progress and the start button at every animation frame while the page loads.
     await page.addInitScript(() => {

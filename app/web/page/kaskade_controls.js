@@ -60,6 +60,12 @@
     let address = '';
     let addressWritten = -Infinity;
 
+    // The time on view, and the show's length (left out on a narrow picture).
+    const [onView, length] = [document.createElement('span'), document.createElement('span')];
+    length.className = 'length';
+    length.textContent = ` / ${clockText(SHOW_TENTHS)}`;
+    e.time.append(onView, length);
+
     for (let part = 1; part <= PART_ENDS.length; ++part) {
       const mark = document.createElement('div');
       mark.className = 'mark';
@@ -122,7 +128,7 @@
         e.volume.value = String(state(2));
       }
       e.played.style.width = `${Math.min(100, (100 * tenths) / SHOW_TENTHS)}%`;
-      e.time.textContent = `part ${part} · ${clockText(tenths)} / ${clockText(SHOW_TENTHS)}`;
+      onView.textContent = `part ${part} · ${clockText(tenths)}`;
       requestAnimationFrame(update);
     }
 
