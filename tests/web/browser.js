@@ -58,15 +58,10 @@ function serveSite(root, replaced = {}, precompressed = false) {
 
 // Every launch has a fresh, empty profile. extraArgs: e.g. frames faster than the display.
 async function launchBrowser(extraArgs = []) {
-  return chromium.launch({
-    executablePath: process.env.KASKADE_CHROMIUM || '/usr/bin/chromium',
-    headless: true,
-    args: [
-      '--headless=new', '--no-sandbox', '--use-angle=swiftshader', '--enable-unsafe-swiftshader',
-      '--disable-background-networking', '--disable-component-update', '--disable-sync', '--no-first-run',
-      '--disable-quic', '--autoplay-policy=no-user-gesture-required', ...extraArgs,
-    ],
-  });
+  return chromium.launch({ executablePath: process.env.KASKADE_CHROMIUM || '/usr/bin/chromium', headless: true, args: [
+    '--headless=new', '--no-sandbox', '--use-angle=swiftshader', '--enable-unsafe-swiftshader', '--disable-quic',
+    '--disable-background-networking', '--disable-component-update', '--disable-sync', '--no-first-run',
+    '--autoplay-policy=no-user-gesture-required', ...extraArgs] });
 }
 
 // A page in a context of its own (`options`: Playwright's, e.g. a phone's)
@@ -86,7 +81,7 @@ async function openPage(browser, errors, options = {}) {
 // `replaced` served (as serveSite's) until it ends, closed however it ends.
 function sharedSite() {
   const shared = { replaced: {} };
-  let site = null;
+  let site;
   before(async () => {
     assert.ok(fs.existsSync(path.join(SITE, 'kaskade.wasm')), `no site at ${SITE}: run scripts/web first`);
     site = await serveSite(SITE, shared.replaced);

@@ -14,7 +14,6 @@ const { SITE, SCREENS, sharedSite, waitFor, waitForState } = require('./browser.
 
 const shared = sharedSite();
 const archive = fs.existsSync(path.join(SITE, '3d')) ? fs.readFileSync(path.join(SITE, '3d')) : Buffer.alloc(0);
-const megabytes = (bytes) => (bytes / 1e6).toFixed(2);
 const webPage = { type: 'text/html', body: '<!doctype html><title>kaskade</title>' };
 const refused = 'This address asks for what the show does not take:\n';
 
@@ -27,7 +26,7 @@ for (const [what, address, replaced, said, plays] of [
   ['?fault= on the shipped site', '?fps=4&fault=ambient', {},
    '?fault= exists only in the site built for tests (scripts/web --faults).'],
   ['a 3d cut to half', '', { '3d': archive.subarray(0, archive.length / 2) },
-   `3d: ${megabytes(archive.length / 2)} MB arrived, ${megabytes(archive.length)} MB expected — the host cut the file`],
+   `3d: ${(archive.length / 2e6).toFixed(2)} MB arrived, ${(archive.length / 1e6).toFixed(2)} MB expected — the host cut the file`],
   ['a web page in place of 3d', '', { '3d': webPage }, '3d: the host sent a web page (text/html) instead of the archive'],
   ['no 3d', '', { '3d': null }, '3d: the host has no such file (HTTP 404)'],
   ['a web page in place of kaskade.wasm', '', { 'kaskade.wasm': webPage },
