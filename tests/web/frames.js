@@ -10,17 +10,9 @@ const ENDS = [0, 210, 335, 395, 534, 658, 770, 960, 1127, 1307, 1498, 1758, 1925
 const middleFrame = (part, fps) => Math.floor(((ENDS[part - 1] + ENDS[part]) * fps) / 20);
 
 // Runs in the page: each of the grabbed frames `indices` as its size and a
-// hash of its bytes (FNV-1a), or null where it was not grabbed.
-function frameHashesInPage(indices) {
-  return indices.map((i) => {
-    const frame = window.kaskade.frames[i];
-    let hash = 0x811c9dc5;
-    for (const byte of frame ? frame.rgba : []) {
-      hash = Math.imul(hash ^ byte, 0x01000193) >>> 0;
-    }
-    return frame ? `${frame.width}x${frame.height} ${hash.toString(16)}` : null;
-  });
-}
+// hash of its bytes (FNV-1a), undefined where it was not grabbed.
+const frameHashesInPage = (indices) => indices.map((i) => window.kaskade.frames[i]).map((frame) => frame &&
+  `${frame.width}x${frame.height} ${frame.rgba.reduce((hash, byte) => Math.imul(hash ^ byte, 0x01000193) >>> 0, 0x811c9dc5).toString(16)}`);
 
 // Runs in the page: the grabbed frame (RGBA, rows bottom up) against the PNG
 // `referenceUrl` of its size: meanError, the mean absolute difference of red,
