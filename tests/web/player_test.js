@@ -31,15 +31,14 @@ test('#t=93.5 opens there, the address follows to the second, the keys seek and 
      'f fills the screen and a mouse press ends the show', { timeout: 5 * MINUTE }, () => shared.page(async (page, errors) => {
   await page.addInitScript(() => {
     const replace = history.replaceState.bind(history);
-    window.addressWrites = [];
-    history.replaceState = (...args) => window.addressWrites.push(performance.now()) && replace(...args);
+    history.replaceState = (...args) => (window.addressWrites ||= []).push(performance.now()) && replace(...args);
   });
   await startLive(page, '#t=93.5', () => page.keyboard.press('Enter'));
   const opened = [await field(page, 3), await field(page, 5)];
   assert.ok(opened[0] === 7 && opened[1] >= 93.5 && opened[1] < 97, `part ${opened[0]} at ${opened[1]} s`);
   assert.deepEqual(await page.evaluate(() => window.kaskade.partCounts().slice(0, 6).map((part) => part.frames)),
                    [0, 0, 0, 0, 0, 0], 'nothing of parts 1 to 6 shown');
-  await waitFor(page, 'three addresses', () => window.addressWrites.length >= 3, null, 20000);
+  await waitFor(page, 'three addresses', () => window.addressWrites?.length >= 3, null, 20000);
   const writes = await page.evaluate(() => window.addressWrites);
   assert.ok(writes.every((at, i) => i === 0 || at - writes[i - 1] >= 995), `written at ${writes.map(Math.round)} ms`);
   assert.match(await page.evaluate(() => location.hash), /^#t=(9[3-9]|1\d\d)$/);
