@@ -117,8 +117,9 @@ async function waitFor(page, what, condition, arg, timeout = 60000) {
   }
 }
 
-// Waits until window.kaskade.state is one of `states`.
-const waitForState = (page, states, timeout) =>
-  waitFor(page, `the state ${states.join(' or ')}`, (wanted) => wanted.includes(window.kaskade.state), states, timeout);
+// Waits until window.kaskade.state is one of `states`, failing at once when the show failed.
+const waitForState = (page, states, timeout) => waitFor(page, `the state ${states.join(' or ')}`,
+  (wanted) => wanted.includes(window.kaskade.state) || (window.kaskade.state === 'failed' && Promise.reject(new Error(
+    document.getElementById('status').textContent))), states, timeout);
 
 module.exports = { SITE, SCREENS, serveSite, launchBrowser, openPage, sharedSite, waitFor, waitForState };
