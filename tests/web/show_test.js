@@ -26,9 +26,9 @@ const shared = sharedSite();
 let fromTheStart = null;  // the middles' hashes in the run from the start
 
 test('the show draws the middle of every part as the desktop does and plays to the end of part 13',
-     { timeout: 20 * MINUTE }, () => shared.page(async (page, errors) => {
+     { timeout: 10 * MINUTE }, () => shared.page(async (page, errors) => {
   await page.goto(`${shared.url}?fps=${FPS}&grab=${MIDDLES.join(',')}`);
-  await waitForState(page, ['ended'], 15 * MINUTE);
+  await waitForState(page, ['ended'], 8 * MINUTE);
   const ended = await page.evaluate(() => [document.getElementById('status').textContent,
     window.kaskade.partCounts().reduce((sum, part) => sum + part.frames, 0)]);
   assert.match(ended[0], /^fps: \d+\.\d\d$/, 'the end line on the page');
@@ -56,10 +56,10 @@ test('the show draws the middle of every part as the desktop does and plays to t
 }));
 
 test('a seek while paused draws the frame the run from the start draws, in every part, back and forth; ' +
-     'also after a lost WebGL context is given back', { timeout: 10 * MINUTE }, () => shared.page(async (page, errors) => {
+     'also after a lost WebGL context is given back', { timeout: 5 * MINUTE }, () => shared.page(async (page, errors) => {
   assert.ok(fromTheStart, 'the run from the start gave no frames');
   await page.goto(`${shared.url}?fps=${FPS}&stop=2&grab=${MIDDLES.join(',')}`);
-  await waitForState(page, ['paused'], 5 * MINUTE);
+  await waitForState(page, ['paused'], 3 * MINUTE);
   await page.evaluate(() => {
     Module._kaskade_toggle_pause();
     window.kaskade.resume();
