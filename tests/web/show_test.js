@@ -79,7 +79,7 @@ test('a seek while paused draws the frame the run from the start draws, in every
   assert.deepEqual(await page.evaluate(frameHashesInPage, MIDDLES), fromTheStart);
   assert.equal(await page.evaluate(() => Module._kaskade_player_state(0)), 1, 'still paused');
 
-  // Part 7 set up (its images made) while the context is gone, drawn once it is back.
+  // The seventh part set up (its images made) while the context is gone, drawn once it is back.
   const status = (text) => waitFor(page, `"${text}"`, (t) => document.getElementById('status').textContent.includes(t), text);
   await seek(MIDDLES[5]);
   await page.evaluate(() => {
