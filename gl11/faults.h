@@ -1,6 +1,6 @@
 // Deliberate mistakes of the layer, for measuring what a comparison with
 // OpenGL makes of a wrong drawing (tests/gl11's fault test against Mesa,
-// tests/web/faults.js against the desktop's frames). They exist only in the
+// bench/web/faults.js against the desktop's frames). They exist only in the
 // builds for those tests (KASKADE_GL11_FAULTS: the native fault test's layer,
 // `scripts/web --faults`): in the layer the show ships, gl11Faulty is a
 // constant false and neither the switch nor the mistakes are compiled.

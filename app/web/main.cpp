@@ -6,6 +6,7 @@
 // presses come from the page as they come from GLUT on the desktop.
 #include "app/sequencer.h"
 #include "app/shell.h"
+#include "app/show_seek.h"
 #include "app/show_start.h"
 #include "app/soundtrack_check.h"
 #include "app/web/context_loss.h"
@@ -21,6 +22,8 @@
 #include <emscripten/emscripten.h>
 #include <emscripten/html5.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <string>
 
@@ -141,11 +144,12 @@ extern "C" EMSCRIPTEN_KEEPALIVE int kaskade_prepare(int fps) {
     return 0;
 }
 
-// Starts the prepared show at `part` (1..13). `fps` as for kaskade_prepare:
+// Starts the prepared show at `part` (1..13), or `seconds` into the show when
+// that is 0 or more (a link to a moment). `fps` as for kaskade_prepare:
 // the fixed-step clock is silent, the soundtrack decoded for its levels;
 // `soundtrackDecoded` says whether the page handed over the soundtrack (live:
 // and that its AudioContext runs).
-extern "C" EMSCRIPTEN_KEEPALIVE void kaskade_start(int fps, int soundtrackDecoded, int part) {
+extern "C" EMSCRIPTEN_KEEPALIVE void kaskade_start(int fps, int soundtrackDecoded, int part, double seconds) {
     if (fps < 0 || fps > MAX_FIXED_FPS) {
         fps = 0;
     }
@@ -161,7 +165,11 @@ extern "C" EMSCRIPTEN_KEEPALIVE void kaskade_start(int fps, int soundtrackDecode
         std::printf("%s\n", warning.c_str());
         pageSay(warning.c_str());
     }
-    startShowAt(part >= 1 && part <= PART_COUNT ? part : 1, fps);
+    if (seconds >= 0.0) {
+        startShowAtMillis(static_cast<uint32_t>(std::llround(std::min(seconds, 1e6) * 1000.0)), fps);
+    } else {
+        startShowAt(part >= 1 && part <= PART_COUNT ? part : 1, fps);
+    }
     emscripten_set_main_loop(animationFrame, 0, false);
 }
 

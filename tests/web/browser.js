@@ -3,22 +3,23 @@
 // SwiftShader, with everything that would reach for the network turned off.
 'use strict';
 
-const fs = require('fs');
-const http = require('http');
-const path = require('path');
+const assert = require('node:assert/strict');
+const fs = require('node:fs');
+const http = require('node:http');
+const path = require('node:path');
+const { after, before } = require('node:test');
 const { chromium } = require('playwright-core');
 
-const TYPES = {
-  '.html': 'text/html', '.js': 'text/javascript', '.css': 'text/css', '.wasm': 'application/wasm',
-  '.mp3': 'audio/mpeg', '.png': 'image/png', '.json': 'application/json',
-};
+const SITE = path.resolve(process.env.KASKADE_SITE || path.join(__dirname, '../../build-web/web'));
+const SCREENS = path.join(path.dirname(SITE), 'web-test');  // screenshots to look at
+const TYPES = { '.html': 'text/html', '.js': 'text/javascript', '.css': 'text/css', '.wasm': 'application/wasm',
+                '.mp3': 'audio/mpeg', '.png': 'image/png', '.json': 'application/json' };
 
-// Serves the files of `root`, a byte range where one is asked for; resolves
-// to {url, close()}, close() resolving once the server and every connection
-// to it are closed. `replaced` maps a file name to the bytes served in its
-// place ({type, body} for another Content-Type), or to null for a missing
-// file. With `precompressed`, a file's .br or .gz copy goes to a browser that
-// asks for it, as caddy's `precompressed br gzip` sends them.
+// Serves the files of `root`, byte ranges too; resolves to {url, close()}.
+// `replaced` (read at each request) maps a file name to the bytes served in
+// its place ({type, body} for another Content-Type), or null for none. With
+// `precompressed`, a .br or .gz copy goes to a browser that asks, as caddy's
+// `precompressed br gzip` sends them.
 function serveSite(root, replaced = {}, precompressed = false) {
   const server = http.createServer((request, response) => {
     const name = decodeURIComponent(new URL(request.url, 'http://localhost').pathname).replace(/^\//, '') ||
@@ -26,13 +27,11 @@ function serveSite(root, replaced = {}, precompressed = false) {
     let file = path.join(root, name);
     const given = replaced[name];
     const headers = { 'Content-Type': (given && given.type) || TYPES[path.extname(name)] || 'application/octet-stream' };
-    if (name in replaced) {
-      given === null ? response.writeHead(404).end() : response.writeHead(200, headers).end(given.body || given);
-      return;
+    if (given === null || (!(name in replaced) && !(file.startsWith(root) && fs.statSync(file, { throwIfNoEntry: false })?.isFile()))) {
+      return response.writeHead(404).end();
     }
-    if (!file.startsWith(root) || !fs.existsSync(file) || !fs.statSync(file).isFile()) {
-      response.writeHead(404).end();
-      return;
+    if (given) {
+      return response.writeHead(200, headers).end(given.body || given);
     }
     const copy = [['br', '.br'], ['gzip', '.gz']].find(([encoding, suffix]) =>
       precompressed && (request.headers['accept-encoding'] || '').includes(encoding) && fs.existsSync(file + suffix));
@@ -52,75 +51,75 @@ function serveSite(root, replaced = {}, precompressed = false) {
       fs.createReadStream(file).pipe(response);
     }
   });
-  return new Promise((resolve) => {
-    server.listen(0, '127.0.0.1', () => {
-      const close = () => new Promise((closed) => {
-        server.close(() => closed());
-        server.closeAllConnections();
-      });
-      resolve({ url: `http://127.0.0.1:${server.address().port}/`, close });
-    });
-  });
+  const close = () => new Promise((closed) => server.close(closed) && server.closeAllConnections());
+  return new Promise((resolve) => server.listen(0, '127.0.0.1', () =>
+    resolve({ url: `http://127.0.0.1:${server.address().port}/`, close })));
 }
 
-// extraArgs: e.g. the flags that let animation frames run faster than the display.
-// Playwright gives every launch a fresh, empty profile of its own.
+// Every launch has a fresh, empty profile. extraArgs: e.g. frames faster than the display.
 async function launchBrowser(extraArgs = []) {
-  return chromium.launch({
-    executablePath: process.env.KASKADE_CHROMIUM || '/usr/bin/chromium',
-    headless: true,
-    args: [
-      '--headless=new', '--no-sandbox', '--use-angle=swiftshader', '--enable-unsafe-swiftshader',
-      '--disable-background-networking', '--disable-component-update', '--disable-sync', '--no-first-run',
-      '--disable-quic', '--autoplay-policy=no-user-gesture-required', ...extraArgs,
-    ],
-  });
+  return chromium.launch({ executablePath: process.env.KASKADE_CHROMIUM || '/usr/bin/chromium', headless: true, args: [
+    '--headless=new', '--no-sandbox', '--use-angle=swiftshader', '--enable-unsafe-swiftshader', '--disable-quic',
+    '--disable-background-networking', '--disable-component-update', '--disable-sync', '--no-first-run',
+    '--autoplay-policy=no-user-gesture-required', ...extraArgs] });
 }
 
-// A page of `browser` whose console errors and page errors land in `errors`.
-async function openPage(browser, errors) {
-  const page = await browser.newPage({ viewport: { width: 760, height: 600 } });
+// A page in a context of its own (`options`: Playwright's, e.g. a phone's)
+// whose console and page errors land in `errors`.
+async function openPage(browser, errors, options = {}) {
+  const page = await browser.newPage({ viewport: { width: 760, height: 600 }, ...options });
   // Two cores shared with builds: loading the page can take longer than Playwright's 30 s.
   page.setDefaultNavigationTimeout(120000);
-  page.on('console', (message) => {
-    if (message.type() === 'error') {
-      errors.push(message.text());
-    }
-  });
+  page.setDefaultTimeout(60000);
+  page.on('console', (message) => message.type() === 'error' && errors.push(message.text()));
   page.on('pageerror', (error) => errors.push(String(error)));
   return page;
 }
 
-// Runs `body(page, url, errors)` with a page of `browser` on a server of its
-// own for `root` (`replaced` as for serveSite); the page and the server are
-// closed however `body` ends, so a failing test leaves nothing running.
-async function onServedPage(browser, root, replaced, body) {
-  const site = await serveSite(root, replaced);
-  const errors = [];
-  let page = null;
-  try {
-    page = await openPage(browser, errors);
-    return await body(page, site.url, errors);
-  } finally {
-    if (page !== null) {
+// One browser and one server of SITE for a file's tests: `url`, and
+// page(use, options, replaced), use(page, errors) on a page of its own, with
+// `replaced` served (as serveSite's) until it ends, closed however it ends.
+function sharedSite() {
+  const shared = { replaced: {} };
+  let site;
+  before(async () => {
+    assert.ok(fs.existsSync(path.join(SITE, 'kaskade.wasm')), `no site at ${SITE}: run scripts/web first`);
+    site = await serveSite(SITE, shared.replaced);
+    shared.url = site.url;
+    shared.browser = await launchBrowser();
+  });
+  after(async () => {
+    await shared.browser?.close();
+    await site?.close();
+  });
+  shared.page = async (use, options, replaced = {}) => {
+    const errors = [];
+    const page = await openPage(shared.browser, errors, options);
+    Object.assign(shared.replaced, replaced);
+    try {
+      return await use(page, errors);
+    } finally {
+      Object.keys(replaced).forEach((name) => delete shared.replaced[name]);
       await page.close().catch(() => {});
     }
-    await site.close();
-  }
+  };
+  return shared;
 }
 
-// Waits until window.kaskade.state is one of `states`; a wait that times out
-// fails with the state the page is in and what its status line says.
-async function waitForState(page, states, timeout) {
+// Waits until `condition(arg)` holds in the page, or fails saying `what` did not come.
+async function waitFor(page, what, condition, arg, timeout = 60000) {
   try {
-    await page.waitForFunction((wanted) => wanted.includes(window.kaskade.state), states, { timeout, polling: 100 });
+    await page.waitForFunction(condition, arg, { timeout, polling: 50 });
   } catch (error) {
-    const seen = await page.evaluate(() => ({ state: window.kaskade && window.kaskade.state,
-                                             status: document.getElementById('status').textContent }))
-      .catch(() => ({ state: 'unknown', status: String(error.message).split('\n')[0] }));
-    throw new Error(`the page did not reach ${states.join(' or ')} within ${timeout / 1000} s: ` +
-                    `state ${seen.state}, status "${seen.status}"`);
+    const seen = await page.evaluate(() => `state ${window.kaskade.state}, status ` +
+                                      `"${document.getElementById('status').textContent}"`).catch(() => '');
+    throw new Error(`${what} did not come within ${timeout / 1000} s: ${seen} (${String(error.message).split('\n')[0]})`);
   }
 }
 
-module.exports = { serveSite, launchBrowser, openPage, onServedPage, waitForState };
+// Waits until window.kaskade.state is one of `states`, failing at once when the show failed.
+const waitForState = (page, states, timeout) => waitFor(page, `the state ${states.join(' or ')}`,
+  (wanted) => wanted.includes(window.kaskade.state) || (window.kaskade.state === 'failed' && Promise.reject(new Error(
+    document.getElementById('status').textContent))), states, timeout);
+
+module.exports = { SITE, SCREENS, serveSite, launchBrowser, openPage, sharedSite, waitFor, waitForState };

@@ -36,9 +36,7 @@ function watchInPage() {
       button.click();
     }
     const kaskade = window.kaskade;
-    if (kaskade && kaskade.state === 'failed') {
-      marks.failed = document.getElementById('status').textContent;
-    }
+    marks.failed = kaskade?.state === 'failed' ? document.getElementById('status').textContent : undefined;
     // Asked only once the show started: the program's exports fail before its runtime is up.
     if (kaskade && !['loading', 'ready'].includes(kaskade.state) && kaskade.partCounts().some((part) => part.frames > 0)) {
       marks.firstFrame = performance.now();
@@ -64,9 +62,7 @@ async function oneRun(browser, url, line) {
     let wallOffset = null;       // wall clock ms less the monotonic one
     cdp.on('Network.requestWillBeSent', (event) => {
       requests.set(event.requestId, `${new URL(event.request.url).pathname} ${event.request.headers.Range || ''}`);
-      if (wallOffset === null) {
-        wallOffset = event.wallTime * 1000 - event.timestamp * 1000;
-      }
+      wallOffset ??= event.wallTime * 1000 - event.timestamp * 1000;
     });
     cdp.on('Network.dataReceived', (event) => received.push({ at: event.timestamp * 1000, bytes: event.encodedDataLength }));
     await page.addInitScript(watchInPage);
@@ -94,8 +90,7 @@ const median = (values) => [...values].sort((a, b) => a - b)[Math.floor((values.
     throw new Error(`no site at ${SITE}: run scripts/web first`);
   }
   const copy = fs.mkdtempSync(path.join(os.tmpdir(), 'kaskade-start-bench-'));
-  let site = null;
-  let browser = null;
+  let [site, browser] = [];
   try {
     execFileSync('cp', ['-r', `${SITE}/.`, copy]);
     execFileSync(path.join(ROOT, 'scripts/precompress'), [copy]);
@@ -118,12 +113,8 @@ const median = (values) => [...values].sort((a, b) => a - b)[Math.floor((values.
     }
     console.log(`load average ${load.toFixed(1)} before, ${os.loadavg()[0].toFixed(1)} after (${os.cpus().length} cores)`);
   } finally {
-    if (browser) {
-      await browser.close();
-    }
-    if (site) {
-      site.close();
-    }
+    await browser?.close();
+    await site?.close();
     fs.rmSync(copy, { recursive: true, force: true });
   }
 })().catch((error) => {

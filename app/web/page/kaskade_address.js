@@ -1,17 +1,20 @@
 // What the page's address asks of the show: the URL parameters and the part
-// in its fragment (#part=N), read as the desktop reads its command line. A
+// or time in its fragment (#part=N, #t=S), read as the desktop reads its command line. A
 // value that is not what the parameter takes is refused with a sentence that
 // names the parameter and what it accepts; the page then starts nothing, as
 // the desktop exits with status 2. Parameters it does not know are no error.
 //
 //   part=N     the part to start at, 1 to 13 (also #part=N, the player's
 //              address; a parameter wins over the fragment)
+//   t=S        the moment to start at, in seconds from the show's start, 0 to
+//              226.9 with up to three decimals (also #t=S, as the player's
+//              address follows the show); wins over part
 //   fps=N      the fixed-step clock, 1 to 240 frames per second; a bare
 //              `fps` (no value) asks for the frame-rate statistics instead
 //   grab=a,b   frames, counted from 0, read back for the tests
 //   stop=a,b   frames after which the show pauses for the tests
 //
-// Numbers are decimal digits only: no sign, point, exponent, "0x" or space.
+// Numbers are decimal digits only (and a point in t): no sign, exponent, "0x" or space.
 'use strict';
 
 (function (root) {
@@ -19,6 +22,7 @@
   const MAX_FIXED_FPS = 240;
   // Above any frame the show reaches: 226.9 s at 240 frames/s is 54,457 frames.
   const MAX_FRAME = 999999;
+  const SHOW_SECONDS = 226.9;
 
   // A whole number from `low` to `high` written in decimal digits, or null.
   function wholeNumber(text, low, high) {
@@ -31,6 +35,10 @@
 
   const RULES = {
     part: { what: `a part number from 1 to ${PARTS}`, read: (text) => wholeNumber(text, 1, PARTS) },
+    t: {
+      what: `seconds from 0 to ${SHOW_SECONDS}, e.g. 93.5`,
+      read: (text) => (/^\d{1,3}(\.\d{1,3})?$/.test(text) && Number(text) <= SHOW_SECONDS ? Number(text) : null),
+    },
     fps: {
       what: `a whole number of frames per second from 1 to ${MAX_FIXED_FPS}`,
       read: (text) => (text === '' ? 0 : wholeNumber(text, 1, MAX_FIXED_FPS)),
@@ -51,17 +59,17 @@
   }
 
   // `search` and `hash` as location has them ("?fps=4&part=2", "#part=9").
-  // Returns { part, fps, stats, grab, stop, errors }: part 1 and fps 0 (the
-  // live clock) unless asked for, stats true for a bare `fps`, empty lists,
-  // and one sentence per refused value.
+  // Returns { part, t, fps, stats, grab, stop, errors }: part 1, t -1 (the
+  // part's start) and fps 0 (the live clock) unless asked for, stats true for
+  // a bare `fps`, empty lists, and one sentence per refused value.
   function readAddress(search, hash) {
-    const wanted = { part: 1, fps: 0, stats: false, grab: [], stop: [], errors: [] };
+    const wanted = { part: 1, t: -1, fps: 0, stats: false, grab: [], stop: [], errors: [] };
     const params = new URLSearchParams(search);
     const fragment = new URLSearchParams((hash || '').replace(/^#/, ''));
     for (const name of Object.keys(RULES)) {
       const given = params.getAll(name);
-      if (name === 'part' && given.length === 0) {
-        given.push(...fragment.getAll('part'));
+      if ((name === 'part' || name === 't') && given.length === 0) {
+        given.push(...fragment.getAll(name));
       }
       if (given.length > 1) {
         wanted.errors.push(`${name} is given ${given.length} times: give it once`);

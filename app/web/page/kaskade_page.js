@@ -3,12 +3,14 @@
 // (kaskade_loading.js); decodes the soundtrack while it arrives
 // (kaskade_soundtrack.js); offers the start once the program, the archive and
 // the first seconds of the music are in, and starts on a gesture (the browser
-// allows sound only after one); passes keys and mouse presses on; and says on
-// the page how the show ended.
+// allows sound only after one); passes keys and mouse presses on; records
+// clips (kaskade_clip.js); and says on the page how the show ended.
 //
 // URL parameters, for tests and frame-exact looks (the deterministic mode),
 // read by kaskade_address.js; a value it refuses is said and nothing starts:
 //   part=N     starts at part N (1..13), with what the parts before leave behind
+//   t=S        starts S seconds into the show (also #t=S, the address the
+//              player keeps; #part=N too), as the desktop's --start
 //   fps=N      the fixed-step clock at N frames/s (1..240): silent, the
 //              soundtrack decoded for its levels only, started at once, drawn
 //              at 640 x 480; a bare `fps` shows the frame rate and the size
@@ -36,8 +38,10 @@
   const address = window.kaskadeAddress.readAddress(location.search, location.hash);
   const fixedFps = address.fps;
   let firstPart = address.part;
+  let firstSeconds = address.t;  // -1: the start of firstPart
   const { PART_ENDS, partStart } = window.kaskadeControls;
   const SHOW_SECONDS = PART_ENDS[PART_ENDS.length - 1] / 10;
+  const startSeconds = () => (firstSeconds >= 0 ? firstSeconds : partStart(firstPart) / 10);
 
   const byId = (id) => document.getElementById(id);
   const canvas = byId('canvas');
@@ -100,6 +104,7 @@
     cover.classList.add('hidden');
     if (controls) {
       controls.stop();
+      clip.stop();
     }
     say(text);
     notice.hidden = true;
@@ -157,6 +162,7 @@
       kaskade.state = 'ended';
       kaskade.endLine = line;
       controls.stop();
+      clip.stop();
       say(line);
       if (document.fullscreenElement) {
         document.exitFullscreen();
@@ -214,7 +220,7 @@
       return;
     }
     const soundReady = !['loading', 'streaming', 'decoded'].includes(kaskade.soundtrack) ||
-      (fixedFps ? song.complete : song.playableFrom(partStart(firstPart) / 10, START_SECONDS));
+      (fixedFps ? song.complete : song.playableFrom(startSeconds(), START_SECONDS));
     if (!soundReady) {
       // A first piece of the music that does not reach far enough (a song shorter than the show's length).
       if (loading.progress.files.find((file) => file.name === SOUNDTRACK).note) {
@@ -292,8 +298,8 @@
     }
     kaskade.state = 'playing';
     try {
-      Module.ccall('kaskade_start', null, ['number', 'number', 'number'],
-                   [fixedFps, (fixedFps ? songUsable : withSound) ? 1 : 0, firstPart]);
+      Module.ccall('kaskade_start', null, ['number', 'number', 'number', 'number'],
+                   [fixedFps, (fixedFps ? songUsable : withSound) ? 1 : 0, firstPart, firstSeconds]);
     } catch (error) {
       // A fatal report during the start (it said why on the console).
       page.failed();
@@ -310,8 +316,11 @@
     }, 0);
   }
 
-  // Keys the show takes by GLUT's codes for special keys (app/shell.h).
-  const SPECIAL_KEYS = { ArrowLeft: 100, ArrowRight: 102, PageUp: 104, PageDown: 105, Home: 106 };
+  // Keys the show takes by GLUT's codes for special keys (app/shell.h); Left
+  // and Right with Shift seek, as on the desktop.
+  const SPECIAL_KEYS = { ArrowLeft: 100, ArrowUp: 101, ArrowRight: 102, ArrowDown: 103, PageUp: 104, PageDown: 105,
+                         Home: 106 };
+  const SPECIAL_KEY_SHIFT = 0x1000;
 
   function onKey(event) {
     // A slider reached with the keyboard (Tab) takes its own arrows and Home.
@@ -321,7 +330,12 @@
     }
     if (event.key in SPECIAL_KEYS) {
       event.preventDefault();
-      Module._kaskade_special_key(SPECIAL_KEYS[event.key]);
+      const arrow = event.key === 'ArrowLeft' || event.key === 'ArrowRight';
+      Module._kaskade_special_key(SPECIAL_KEYS[event.key] + (arrow && event.shiftKey ? SPECIAL_KEY_SHIFT : 0));
+      return;
+    }
+    if (event.key === 'c') {
+      toggleClip();
       return;
     }
     const key = event.key === 'Escape' ? 27 : event.key.length === 1 ? event.key.charCodeAt(0) : -1;
@@ -346,8 +360,8 @@
     }
   }
 
-  // A part asked for in the open page's address (#part=N) is jumped to, as a
-  // link opens it; before the start, the show starts there.
+  // A part or a moment asked for in the open page's address (#part=N, #t=S)
+  // is gone to, as a link opens it; before the start, the show starts there.
   window.addEventListener('hashchange', (event) => {
     // The address the viewer gave, not what the bar may have put there since.
     const hash = new URL(event.newURL).hash;
@@ -356,13 +370,18 @@
       say(wanted.errors.join('\n'));
       return;
     }
-    if (!/part=/.test(hash)) {
+    const moment = /(^#|&)t=/.test(hash);
+    if (!moment && !/part=/.test(hash)) {
       return;
     }
     if (['playing', 'paused'].includes(kaskade.state)) {
-      Module._kaskade_jump_to(wanted.part);
+      if (moment) {
+        Module._kaskade_seek_to(wanted.t);
+      } else {
+        Module._kaskade_jump_to(wanted.part);
+      }
     } else if (['loading', 'ready'].includes(kaskade.state)) {
-      firstPart = wanted.part;
+      [firstPart, firstSeconds] = [wanted.part, wanted.t];
     }
   });
 
@@ -392,11 +411,19 @@
                                                               address.stats ? byId('stats') : null);
   kaskade.resolution = resolution.chosen;
 
+  // A clip starts where the show stands and is named after it.
+  const clip = window.kaskadeClip.makeClip(canvas, player, say, (on) => controls.recording(on));
+  function toggleClip() {
+    if (kaskade.state === 'playing') {
+      clip.toggle(window.kaskadeClip.clipName(Module._kaskade_player_state(3), Module._kaskade_player_state(5)));
+    }
+  }
+
   controls = window.kaskadeControls.makeControls({
     stage, canvas, bar: byId('bar'), play: byId('play'), time: byId('time'), timeline: byId('timeline'),
     played: byId('played'), loaded: byId('loaded'), held: byId('held'), mute: byId('mute'),
-    volume: byId('volume'), fullscreen: byId('bar-fullscreen'), heldPart: byId('held-part'),
-  }, Module, toggleFullscreen);
+    volume: byId('volume'), clip: byId('clip'), fullscreen: byId('bar-fullscreen'), heldPart: byId('held-part'),
+  }, Module, { toggleFullscreen, toggleClip });
 
   if (address.errors.length > 0) {
     fail(['This address asks for what the show does not take:', ...address.errors].join('\n'));
@@ -422,7 +449,7 @@
       // Live, the music up to where the show starts and some seconds more comes first (the
       // file's share by the show's length), the rest once the first frame is drawn.
       firstPiece: fixedFps ? null
-        : (size) => Math.ceil(size * Math.min(1, (partStart(firstPart) / 10 + FIRST_PIECE_SECONDS) / SHOW_SECONDS)),
+        : (size) => Math.ceil(size * Math.min(1, (startSeconds() + FIRST_PIECE_SECONDS) / SHOW_SECONDS)),
     },
   ], byId('loading'));
   kaskade.loading = loading.progress;

@@ -2,15 +2,16 @@
 // ?fault=, gl11/faults.h): the shiftedError of every part's middle frame, the
 // show as it is and with each mistake. The figures behind show_test.js's
 // MAX_SHIFTED_ERROR. The mistakes exist only in the site built for this:
-//   scripts/web --faults && node tests/web/faults.js [FAULT...]
+//   scripts/web --faults && node bench/web/faults.js [FAULT...]
 // (default: fov ambient colour-material flat-vertex; KASKADE_SITE overrides
 // the site, by default build-web-faults/web).
 'use strict';
 
 const fs = require('node:fs');
 const path = require('node:path');
-const { launchBrowser, onServedPage, waitForState } = require('./browser.js');
-const { compareInPage, middleFrame } = require('./frames.js');
+const { launchBrowser, waitForState } = require('../../tests/web/browser.js');
+const { onServedPage } = require('./served_page.js');
+const { compareInPage, middleFrame } = require('../../tests/web/frames.js');
 
 const SITE = path.resolve(process.env.KASKADE_SITE || path.join(__dirname, '../../build-web-faults/web'));
 const REFERENCES = path.join(__dirname, '../data/frames');

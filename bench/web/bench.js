@@ -4,13 +4,14 @@
 // frames as fast as the browser draws them, and timed over its first four
 // seconds of show; the best of a few runs counts, as other work on the
 // machine only ever slows a run down. A report, not a test.
-//   node tests/web/bench.js [RUNS]   (default 3; KASKADE_SITE as for the tests)
+//   node bench/web/bench.js [RUNS]   (default 3; KASKADE_SITE as for the tests)
 'use strict';
 
 const os = require('node:os');
 const path = require('node:path');
-const { launchBrowser, onServedPage, waitForState } = require('./browser.js');
-const { ENDS } = require('./frames.js');
+const { launchBrowser, waitForState } = require('../../tests/web/browser.js');
+const { onServedPage } = require('./served_page.js');
+const { ENDS } = require('../../tests/web/frames.js');
 
 const SITE = path.resolve(process.env.KASKADE_SITE || path.join(__dirname, '../../build-web/web'));
 const RUNS = Number(process.argv[2] || 3);

@@ -7,11 +7,11 @@
 // audio system), and the latencies the context reports. A report, not a test.
 // What no page can see is left out: the frame reaches the screen at the next
 // display refresh, up to one frame (16.7 ms at 60 Hz) after it was drawn.
-//   node tests/web/av_offset.js [SECONDS]   (default 5; KASKADE_SITE as for the tests)
+//   node bench/web/av_offset.js [SECONDS]   (default 5; KASKADE_SITE as for the tests)
 'use strict';
 
 const path = require('node:path');
-const { launchBrowser, openPage, serveSite } = require('./browser.js');
+const { launchBrowser, openPage, serveSite } = require('../../tests/web/browser.js');
 
 const SITE = path.resolve(process.env.KASKADE_SITE || path.join(__dirname, '../../build-web/web'));
 const SECONDS = Number(process.argv[2] || 5);

@@ -6,15 +6,23 @@
 // of RUNS runs counts for each pair, as other work on the machine only ever
 // slows a run down. Then, in fresh pages, the first jump from part 1 to each
 // part, which reads the parts before it from the archive. A report, not a test.
-//   node tests/web/jump_bench.js [RUNS]   (default 3; KASKADE_SITE as for the tests)
+//   node bench/web/jump_bench.js [RUNS]   (default 3; KASKADE_SITE as for the tests)
+// With `seek`, seeks instead: to every whole second of the show, each from
+// half the show away, with all of the soundtrack decoded (so that no seek
+// waits for music still to come), from the request to the end of the first
+// frame at the new time, the best of RUNS for each: worst, median, and the
+// part of the worst.
+//   node bench/web/jump_bench.js seek [RUNS]
 'use strict';
 
 const os = require('node:os');
 const path = require('node:path');
-const { launchBrowser, openPage, serveSite } = require('./browser.js');
+const { launchBrowser, openPage, serveSite } = require('../../tests/web/browser.js');
+const { ENDS } = require('../../tests/web/frames.js');
 
 const SITE = path.resolve(process.env.KASKADE_SITE || path.join(__dirname, '../../build-web/web'));
-const RUNS = Number(process.argv[2] || 3);
+const SEEKS = process.argv[2] === 'seek';
+const RUNS = Number(process.argv[SEEKS ? 3 : 2] || 3);
 const PARTS = 13;
 
 // Runs in the page: the milliseconds until the end of the next frame of
@@ -30,6 +38,28 @@ async function timeFrameInPage([part, jump]) {
   if (jump) {
     Module._kaskade_jump_to(part);
   }
+  return new Promise((resolve) => {
+    const check = () => {
+      if (shown() > before) {
+        gl.readPixels(0, 0, 1, 1, gl.RGBA, gl.UNSIGNED_BYTE, pixel);
+        resolve(performance.now() - asked);
+      } else {
+        requestAnimationFrame(check);
+      }
+    };
+    requestAnimationFrame(check);
+  });
+}
+
+// Runs in the page: the milliseconds from a seek to `seconds` to the end of
+// the next frame drawn (any part's), its drawing finished.
+async function timeSeekInPage(seconds) {
+  const shown = () => window.kaskade.partCounts().reduce((sum, part) => sum + part.frames, 0);
+  const before = shown();
+  const gl = document.getElementById('canvas').getContext('webgl2');
+  const pixel = new Uint8Array(4);
+  const asked = performance.now();
+  Module._kaskade_seek_to(seconds);
   return new Promise((resolve) => {
     const check = () => {
       if (shown() > before) {
@@ -85,11 +115,40 @@ function report(best) {
   }
 }
 
+// Every whole second of the show, sought from half the show away.
+async function seekGrid(browser, siteUrl) {
+  const page = await openShow(browser, siteUrl);
+  await page.waitForFunction(() => window.kaskade.soundtrack === 'decoded', null, { timeout: 120000 });
+  await jump(page, 1, PARTS);  // every part loaded once
+  const seconds = Math.floor(ENDS[PARTS] / 10);
+  const best = new Array(seconds).fill(Infinity);
+  for (let run = 0; run < RUNS; ++run) {
+    for (let t = 0; t < seconds; ++t) {
+      await page.evaluate(timeSeekInPage, (t + seconds / 2) % seconds);
+      await page.evaluate(framesInPage, 2);
+      best[t] = Math.min(best[t], await page.evaluate(timeSeekInPage, t));
+    }
+  }
+  await page.close();
+  const worst = best.reduce((at, ms, t) => (ms > best[at] ? t : at), 0);
+  const part = ENDS.findIndex((end) => worst * 10 < end);
+  const sorted = [...best].sort((a, b) => a - b);
+  console.log(`headless Chromium, live clock, a seek to each of ${seconds} whole seconds from half the show away, ` +
+              `best of ${RUNS} runs, from the request to the first frame at the new time drawn:`);
+  console.log(`  median ${sorted[sorted.length >> 1].toFixed(1)} ms, worst ${best[worst].toFixed(1)} ms ` +
+              `(at ${worst} s, part ${part})`);
+}
+
 (async () => {
   const site = await serveSite(SITE);
   const browser = await launchBrowser();
   const load = os.loadavg()[0];
   try {
+    if (SEEKS) {
+      await seekGrid(browser, site.url);
+      console.log(`load average ${load.toFixed(1)} before, ${os.loadavg()[0].toFixed(1)} after (2 cores)`);
+      return;
+    }
     const page = await openShow(browser, site.url);
     await jump(page, 1, PARTS);  // every part loaded once
     const best = Array.from({ length: PARTS + 1 }, () => new Array(PARTS + 1).fill(Infinity));
