@@ -1,109 +1,74 @@
 // The .3ds reader and the World's preparation of what it read, case by case
 // from tests/data/engine/scenes.txt: bytes in a chunk notation, then what the
-// World holds after loading them, or the engine's report.
+// World holds after loading them (and after the World's operations the case
+// names), or the engine's report.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <sstream>
 
 #include "engine/world.h"
 #include "tests/engine/scene_text.h"
-#include "tests/support/fatal_catcher.h"
+#include "tests/engine/text_cases.h"
 
 namespace {
 
-// One case of scenes.txt. Its lines: "== what it shows", then at will
-// "at OFFSET..." (where the bytes start in the stream; 0 unless given),
-// "each NAME VALUE | VALUE..." (the case once per value of NAME), "only WORD..."
-// (compare only the lines holding one: "^WORD" at their start); the bytes, a line "then" before the
-// bytes of each further load into the same World; "--"; the lines expected.
-// "define NAME TOKENS" between cases names tokens for every later case.
-struct SceneCase {
-    int line;
-    std::string what;
-    std::map<std::string, std::string> macros;
-    std::vector<long> offsets{0};
-    std::string each, expected;
-    std::vector<std::string> only;
-    std::vector<std::string> values{""}, loads{""};
-    int part = 0;  // reading its bytes, its lines expected, or done
-};
-void PrintTo(const SceneCase& c, std::ostream* out) { *out << "scenes.txt:" << c.line << ": " << c.what; }
-
-std::vector<SceneCase> readSceneCases() {
-    std::ifstream file(testDataPath("engine/scenes.txt"));
-    std::vector<SceneCase> cases;
-    std::map<std::string, std::string> macros;
-    int number = 0;
-    for (std::string line; std::getline(file, line);) {
-        ++number;
-        std::istringstream words(line);
-        std::string word, rest;
-        words >> word;
-        std::getline(words >> std::ws, rest);
-        if (line.empty() || line[0] == '#') {
-            if (line.empty() && !cases.empty() && cases.back().part == 1) cases.back().part = 2;
-        } else if (word == "define") {
-            std::istringstream definition(rest);
-            definition >> word;
-            std::getline(definition >> std::ws, macros[word]);
-        } else if (word == "==") {
-            cases.emplace_back().line = number;
-            cases.back().what = rest;
-            cases.back().macros = macros;
-        } else if (cases.empty() || cases.back().part == 2) {
-            throw std::runtime_error("scenes.txt:" + std::to_string(number) + ": outside a case");
-        } else if (SceneCase& c = cases.back(); c.part == 1) {
-            c.expected += line + "\n";
-        } else if (word == "--") {
-            c.part = 1;
-        } else if (word == "then") {
-            c.loads.emplace_back();
-        } else if (word == "at") {
-            std::istringstream offsets(rest);
-            c.offsets.clear();
-            for (long offset; offsets >> offset;) c.offsets.push_back(offset);
-        } else if (word == "only") {
-            std::istringstream patterns(rest);
-            c.only.assign(std::istream_iterator<std::string>(patterns), {});
-        } else if (word == "each") {
-            std::istringstream values(rest);
-            values >> c.each;
-            c.values.clear();
-            for (std::string value; std::getline(values >> std::ws, value, '|');) c.values.push_back(value);
-        } else {
-            c.loads.back() += line + "\n";
-        }
-    }
-    return cases;
-}
-
-class SceneCases : public ::testing::TestWithParam<SceneCase> {};
+// A case's input lines: "at OFFSET..." (where the bytes start in the stream,
+// 0 unless given), "each NAME VALUE | VALUE..." (the case once per value of
+// NAME), the bytes, "then" before the bytes of each further load into the
+// same World, and after them the World's operations: "normals" (every mesh's
+// computed again), "set MODE DIFFUSE SPECULAR AMBIENT TWOSIDED FLAGS NAME"
+// (World::setMaterial).
+class SceneCases : public ::testing::TestWithParam<TextCase> {};
 
 TEST_P(SceneCases, LoadIntoWhatIsWrittenDown) {
-    SceneCase c = GetParam();
-    for (const std::string& value : c.values) {
-        c.macros[c.each] = value;
-        std::vector<std::vector<uint8_t>> loads;
-        for (const std::string& load : c.loads) loads.push_back(sceneBytes(load, c.macros));
-        for (long offset : c.offsets) {
-            SCOPED_TRACE("at " + std::to_string(offset) + (c.each.empty() ? "" : ", " + c.each + " " + value));
-            std::istringstream lines(loadReport(loads, offset));
-            std::string kept;
-            for (std::string line; std::getline(lines, line);) {
-                const auto holds = [&line](const std::string& p) {  // "^x" begins the line, any other is in it
-                    return p[0] == '^' ? line.starts_with(p.substr(1)) : line.find(p) != std::string::npos;
-                };
-                kept += c.only.empty() || std::ranges::any_of(c.only, holds) ? line + "\n" : "";
+    const TextCase& c = GetParam();
+    std::vector<long> offsets{0};
+    std::string each;
+    std::vector<std::string> values{""}, loads{""};
+    std::vector<std::vector<std::string>> operations;
+    std::istringstream lines(c.input);
+    for (std::string line; std::getline(lines, line);) {
+        const std::vector<std::string> w = words(line);
+        if (w[0] == "at") {
+            offsets.clear();
+            for (size_t i = 1; i < w.size(); ++i) offsets.push_back(std::stol(w[i]));
+        } else if (w[0] == "each") {
+            std::istringstream in(line.substr(5));
+            in >> each;
+            values.clear();
+            for (std::string value; std::getline(in >> std::ws, value, '|');) values.push_back(value);
+        } else if (w[0] == "then") {
+            loads.emplace_back();
+        } else if (w[0] == "normals" || w[0] == "set") {
+            operations.push_back(w);
+        } else {
+            loads.back() += line + "\n";
+        }
+    }
+    const auto operate = [&operations](World& world) {
+        for (const std::vector<std::string>& w : operations) {
+            for (int32_t m = 0; w[0] == "normals" && m < world.meshCount; ++m) world.meshes[m]->computeNormals();
+            if (w[0] == "set") {
+                const auto number = [&w](size_t i) { return static_cast<uint32_t>(std::stoul(w.at(i), nullptr, 0)); };
+                std::string name = w.at(7);
+                for (size_t i = 8; i < w.size(); ++i) name += " " + w[i];
+                world.setMaterial(name.c_str(), number(1), nullptr, number(2), number(3), number(4), 110.0f,
+                                  static_cast<uint8_t>(number(5)), number(6));
             }
-            EXPECT_EQ(kept, c.expected);
+        }
+    };
+    std::map<std::string, std::string> macros = c.macros;
+    for (const std::string& value : values) {
+        macros[each] = value;
+        std::vector<std::vector<uint8_t>> bytes;
+        for (const std::string& load : loads) bytes.push_back(textBytes(load, macros));
+        for (long offset : offsets) {
+            SCOPED_TRACE("at " + std::to_string(offset) + (each.empty() ? "" : ", " + each + " " + value));
+            EXPECT_EQ(comparedLines(c, loadReport(bytes, offset, operate)), c.expected);
         }
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Scenes, SceneCases, ::testing::ValuesIn(readSceneCases()),
-                         [](const auto& info) { return "line" + std::to_string(info.param.line); });
+INSTANTIATE_TEST_SUITE_P(Scenes, SceneCases, ::testing::ValuesIn(readTextCases("engine/scenes.txt")), caseName);
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include "engine/world.h"
 #include "resources/archive_format.h"
 #include "tests/engine/scene_text.h"
+#include "tests/engine/text_cases.h"
 #include "tests/support/fatal_catcher.h"
 
 namespace {

@@ -1,55 +1,11 @@
 #include "tests/engine/scene_text.h"
 
-#include <bit>
 #include <cstdio>
+#include <map>
 #include <sstream>
-#include <stdexcept>
 
 #include "engine/world.h"
 #include "tests/support/fatal_catcher.h"
-
-std::vector<uint8_t> sceneBytes(const std::string& text, const std::map<std::string, std::string>& macros) {
-    std::vector<uint8_t> out;
-    std::vector<size_t> open;  // where each unclosed chunk's header starts
-    const auto put = [&out](uint64_t value, int bytes) {
-        for (int i = 0; i < bytes; ++i) out.push_back(static_cast<uint8_t>(value >> (8 * i)));
-    };
-    std::istringstream in(text);
-    for (std::string token; in >> token;) {
-        if (macros.contains(token)) {
-            const std::vector<uint8_t> inner = sceneBytes(macros.at(token), macros);
-            out.insert(out.end(), inner.begin(), inner.end());
-        } else if (token.size() == 5 && token[4] == '{') {
-            open.push_back(out.size());
-            put(std::stoul(token.substr(0, 4), nullptr, 16), 2);
-            put(0, 4);
-        } else if (token == "}") {
-            const uint64_t length = out.size() - open.back();
-            for (int i = 0; i < 4; ++i) out[open.back() + 2 + i] = static_cast<uint8_t>(length >> (8 * i));
-            open.pop_back();
-        } else if (token[0] == '"' || token[0] == '\'') {
-            while ((token.size() < 2 || token.back() != token[0]) && in.peek() != EOF) {
-                token += static_cast<char>(in.get());  // a name with spaces
-            }
-            out.insert(out.end(), token.begin() + 1, token.end() - 1);
-            if (token[0] == '"') out.push_back(0);
-        } else if (token[0] == 'x') {
-            const size_t star = token.find('*');
-            out.insert(out.end(), star == std::string::npos ? 1 : std::stoul(token.substr(star + 1)),
-                       static_cast<uint8_t>(std::stoul(token.substr(1, 2), nullptr, 16)));
-        } else if (token[0] == 'w' || token[0] == 'd' || token[0] == 'f') {
-            std::istringstream values(token.substr(1));
-            for (std::string value; std::getline(values, value, ',');) {
-                if (token[0] == 'f') put(std::bit_cast<uint32_t>(std::stof(value)), 4);
-                else put(std::stoul(value, nullptr, 0), token[0] == 'w' ? 2 : 4);
-            }
-        } else {
-            throw std::invalid_argument("no such token: " + token);
-        }
-    }
-    if (!open.empty()) throw std::invalid_argument("a chunk left open in: " + text);
-    return out;
-}
 
 namespace {
 
@@ -108,7 +64,7 @@ std::string dumpWorld(const World& world) {
         const Material& m = *world.materials[i];
         out += "material " + std::string(m.name) + " " + (MODES.contains(m.mode) ? MODES.at(m.mode) : number(m.mode)) +
                " twosided " + std::to_string(m.twoSided) + " ambient " + colour(m.ambient) + " diffuse " + colour(m.diffuse) +
-               " specular " + colour(m.specular) + "\n";
+               " specular " + colour(m.specular) + (m.flags != MAT_OPAQUE ? " flags " + number(m.flags) : "") + "\n";
     }
     for (int32_t i = 0; i < world.cameraCount; ++i) {
         const Camera& c = *world.cameras[i];
@@ -144,11 +100,13 @@ void loadScene(World& world, const std::vector<uint8_t>& bytes, long offset) {
     std::fclose(file);
 }
 
-std::string loadReport(const std::vector<std::vector<uint8_t>>& loads, long offset) {
+std::string loadReport(const std::vector<std::vector<uint8_t>>& loads, long offset,
+                       const std::function<void(World&)>& after) {
     FatalCatcher catcher;
     try {
         World world;
         for (const std::vector<uint8_t>& bytes : loads) loadScene(world, bytes, offset);
+        if (after) after(world);
         return dumpWorld(world);
     } catch (const FatalError& error) {
         return "fatal " + error.caption + " " + std::to_string(error.status) + ": " + error.text;

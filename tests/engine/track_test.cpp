@@ -1,17 +1,16 @@
-// Keyframe tracks: tangents, evaluation, ease and the World's frame clock, call
-// by call from tests/data/engine/tracks.txt; the camera update.
+// Keyframe tracks, ease, the World's frame clock, the camera's update and the
+// texture seam's correction, call by call from tests/data/engine/calls.txt.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
-#include <iterator>
 #include <sstream>
 #include <tuple>
 #include <vector>
 
+#include "engine/seam_correction.h"
 #include "engine/world.h"
-#include "tests/support/fatal_catcher.h"
+#include "tests/engine/text_cases.h"
 
 namespace {
 
@@ -24,12 +23,12 @@ std::vector<float> numbers(const std::vector<std::string>& words) {
 
 // A track of `keys` (FRAME,X[,TENSION,CONTINUITY,BIAS,EASE_TO,EASE_FROM]), prepared as the reader prepares it.
 void fill(Track& track, const std::vector<std::string>& keys) {
+    if (keys.empty()) return;
     track.adoptKeys(new Key[keys.size()], static_cast<uint32_t>(keys.size()));
     for (size_t i = 0; i < keys.size(); ++i) {
         std::string text = keys[i];
         std::replace(text.begin(), text.end(), ',', ' ');
-        std::istringstream fields(text);
-        std::vector<float> v = numbers({std::istream_iterator<std::string>(fields), {}});
+        std::vector<float> v = numbers(words(text));
         v.resize(7, 0.0f);
         Key& k = track.keys[i];
         k.frame = static_cast<int32_t>(v[0]);
@@ -39,23 +38,20 @@ void fill(Track& track, const std::vector<std::string>& keys) {
     prepareTangents(track);
 }
 
-TEST(Tracks, CallsGiveTheirResults) {
-    std::ifstream file(testDataPath("engine/tracks.txt"));
-    int number = 0, calls = 0;
-    for (std::string line; std::getline(file, line);) {
-        ++number;
-        if (line.empty() || line[0] == '#') continue;
-        SCOPED_TRACE("tracks.txt:" + std::to_string(number) + ": " + line);
-        ++calls;
-        std::istringstream words(line);
-        std::string name, word;
-        std::vector<std::string> keys, at, results;
-        std::vector<std::string>* into = &keys;
-        for (words >> name; words >> word;) {
-            into = word == "at" ? &at : word == "->" ? &results : into;
-            if (word != "at" && word != "->") into->push_back(word);
-        }
-        const std::vector<float> args = numbers(keys), want = numbers(results);
+// The words of `all` between `from` and the next of `ends` (or the end).
+std::vector<std::string> between(const std::vector<std::string>& all, const std::string& from, std::vector<std::string> ends) {
+    auto first = from.empty() ? all.begin() : std::find(all.begin(), all.end(), from);
+    first += first != all.end() && !from.empty();
+    return {first, std::find_first_of(first, all.end(), ends.begin(), ends.end())};
+}
+
+TEST(EngineCalls, GiveTheirResults) {
+    const std::vector<TextCase> calls = readTextCases("engine/calls.txt");
+    for (const TextCase& call : calls) {
+        SCOPED_TRACE(::testing::PrintToString(call));
+        const std::vector<std::string> w = words(call.input), results = words(call.expected);
+        const std::string name = w[0];
+        const std::vector<float> args = numbers({w.begin() + 1, w.end()}), want = numbers(results);
         if (name == "ease") {
             EXPECT_NEAR(ease(args[0], args[1], args[2]), want[0], 1e-6f);
         } else if (name == "frame") {
@@ -63,21 +59,43 @@ TEST(Tracks, CallsGiveTheirResults) {
             *world.segment = {static_cast<int32_t>(args[0]), static_cast<int32_t>(args[1]), static_cast<uint8_t>(args[2])};
             world.setFrame(args[3]);
             EXPECT_EQ(world.currentFrame, want[0]);
+        } else if (name == "seam") {
+            float values[3] = {args[0], args[1], args[2]};
+            correctSeam(values);
+            EXPECT_EQ(std::vector<float>(values, values + 3), want);
+        } else if (name == "coords") {  // coords FLAGS U0 U1 U2 V0 V1 V2 -> U0 U1 U2 V0 V1 V2: a face's copies
+            Vertex vertices[3];
+            Face face;
+            face.flags = static_cast<uint16_t>(args[0]);
+            for (int i = 0; i < 3; ++i) std::tie(vertices[i].u, vertices[i].v, face.vertex[i]) = std::tuple(args[1 + i], args[4 + i], &vertices[i]);
+            const FaceTexCoords coords = faceTexCoords(face);
+            EXPECT_EQ(std::vector<float>({coords.u[0], coords.u[1], coords.u[2], coords.v[0], coords.v[1], coords.v[2]}), want);
+            for (int i = 0; i < 3; ++i) EXPECT_EQ(std::pair(vertices[i].u, vertices[i].v), std::pair(args[1 + i], args[4 + i]));
+        } else if (name == "camera") {  // camera KEY... / KEY... at FRAME -> POSITION TARGET, from (1,2,3) aimed at (4,5,6)
+            Camera camera;
+            std::tie(camera.position, camera.target) = std::pair(Vector{1, 2, 3, 0}, Vector{4, 5, 6, 0});
+            fill(*camera.positionTrack, between(w, "camera", {"/"}));
+            fill(*camera.targetTrack, between(w, "/", {"at"}));
+            camera.update(static_cast<int>(numbers(between(w, "at", {}))[0]));
+            const Vector& p = camera.position, & t = camera.target;
+            EXPECT_EQ(std::vector<float>({p.x, p.y, p.z, t.x, t.y, t.z}), want);
         } else if (name == "track") {
             Track track;
-            fill(track, keys);
-            for (size_t i = 0; i < track.keyCount && results == std::vector<std::string>{"finite"}; ++i) {
+            fill(track, between(w, "track", {"at"}));
+            const std::vector<std::string> at = between(w, "at", {});
+            const bool finite = results == std::vector<std::string>{"finite"};
+            for (size_t i = 0; i < track.keyCount && finite; ++i) {
                 EXPECT_TRUE(std::isfinite(track.keys[i].tangentIn.x + track.keys[i].tangentOut.x)) << "key " << i;
             }
             const size_t bar = std::find(results.begin(), results.end(), "|") - results.begin();
-            for (size_t i = 0; i < bar && results[0] != "finite"; ++i) {
+            for (size_t i = 0; i < bar && !finite; ++i) {
                 const Vector& tangent = i % 2 == 0 ? track.keys[(i + 1) / 2].tangentOut : track.keys[(i + 1) / 2].tangentIn;
                 EXPECT_TRUE(std::isnan(want[i]) || (std::fabs(tangent.x - want[i]) < 1e-4f && std::fabs(tangent.z - 2 * want[i]) < 2e-4f))
                     << "tangent " << i << ": " << tangent.x << ", z " << tangent.z;
             }
             for (size_t i = 0; i < at.size(); ++i) {
                 const Vector v = evaluateTrack(track, std::strtof(at[i].c_str(), nullptr));
-                const float x = results[0] == "finite" ? v.x : want[bar + 1 + i];
+                const float x = finite ? v.x : want[bar + 1 + i];
                 EXPECT_TRUE(std::isfinite(v.x) && std::fabs(v.x - x) < 2e-5f && std::fabs(v.y + x) < 2e-5f && std::fabs(v.z - 2 * x) < 4e-5f)
                     << "at " << at[i] << ": (" << v.x << "," << v.y << "," << v.z << ")";
             }
@@ -85,17 +103,7 @@ TEST(Tracks, CallsGiveTheirResults) {
             ADD_FAILURE() << "no such call";
         }
     }
-    EXPECT_GT(calls, 30);
-}
-
-TEST(Tracks, CameraTakesItsTracksAndEmptyTracksMoveNothing) {
-    Camera camera;
-    camera.position = Vector{1, 2, 3, 0};
-    fill(*camera.targetTrack, {"50,9"});
-    camera.update(15);
-    EXPECT_EQ(std::vector({camera.position.x, camera.position.y, camera.position.z}), std::vector({1.0f, 2.0f, 3.0f}));
-    // One key holds whatever the frame.
-    EXPECT_EQ(std::vector({camera.target.x, camera.target.y, camera.target.z}), std::vector({9.0f, -9.0f, 18.0f}));
+    EXPECT_GT(calls.size(), 40u);
 }
 
 }  // namespace

@@ -12,15 +12,16 @@
 #define SCENES_NAMESPACE reference_scenes
 #endif
 
+#include "tests/engine/text_cases.h"
 #include "tests/gl11/scene_file.h"
 
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
-#include <fstream>
 #include <functional>
 #include <map>
 #include <sstream>
+#include <stdexcept>
 
 #ifndef KASKADE_SCENES_ON_GL11
 namespace {
@@ -40,55 +41,40 @@ const std::map<std::string, float> NAMES = {
     NAMED(TRIANGLES), NAMED(ZERO), {"PAINTED", 1.0f}};
 #undef NAMED
 
-}  // namespace
-
-bool readScenes(const std::string& path, std::vector<Scene>* scenes, std::string* error) {
-    std::ifstream file(path);
-    std::map<std::string, std::vector<SceneCall>> parts;
-    std::vector<SceneCall>* into = nullptr;  // the calls of the scene or part being read
-    std::string text;
-    for (int line = 1; std::getline(file, text); ++line) {
-        std::istringstream calls(text.substr(0, text.find('#')));
-        for (std::string call; std::getline(calls, call, ';');) {
-            std::istringstream words(call);
-            std::string name, word;
-            auto fail = [&](const std::string& what) {
-                *error = path + ":" + std::to_string(line) + ": " + what;
-                return false;
-            };
-            if (!(words >> name)) {
-                continue;
-            } else if (name == "scene") {
-                into = &scenes->emplace_back(Scene{words >> word ? word : "", {}, {}}).calls;
-                while (words >> word) {
-                    scenes->back().mistakes.push_back(word);
-                }
-            } else if (name == "part") {
-                into = &parts[words >> word ? word : ""];
-            } else if (into == nullptr) {
-                return fail("a call before the first scene");
-            } else if (name == "use") {
-                if (!(words >> word) || !parts.contains(word)) {
-                    return fail("no part " + word);
-                }
-                into->insert(into->end(), parts[word].begin(), parts[word].end());
-            } else {
-                SceneCall& out = into->emplace_back(SceneCall{name, {}, line});
-                while (words >> word) {
+// The calls of `text`, separated by ';' and lines, "#" starting a comment;
+// "use NAME" takes the calls of the define NAME.
+void readCalls(const TextCase& c, const std::string& text, std::vector<SceneCall>* calls) {
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        std::istringstream in(line.substr(0, line.find('#')));
+        for (std::string call; std::getline(in, call, ';');) {
+            const std::vector<std::string> w = words(call);
+            if (w.size() == 2 && w[0] == "use" && c.macros.contains(w[1])) {
+                readCalls(c, c.macros.at(w[1]), calls);
+            } else if (!w.empty()) {
+                SceneCall& out = calls->emplace_back(SceneCall{w[0], {}, c.line});
+                for (size_t i = 1; i < w.size(); ++i) {
                     char* end = nullptr;
-                    const float number = std::strtof(word.c_str(), &end);
-                    if (*end != '\0' && !NAMES.contains(word)) {
-                        return fail("neither a number nor a name: " + word);
+                    const float number = std::strtof(w[i].c_str(), &end);
+                    if (*end != '\0' && !NAMES.contains(w[i])) {
+                        throw std::runtime_error(c.file + ":" + std::to_string(c.line) + ": neither a number nor a name: " + w[i]);
                     }
-                    out.args.push_back(*end == '\0' ? number : NAMES.at(word));
+                    out.args.push_back(*end == '\0' ? number : NAMES.at(w[i]));
                 }
             }
         }
     }
-    if (scenes->empty()) {
-        *error = path + ": no scenes";
+}
+
+}  // namespace
+
+std::vector<Scene> readScenes() {
+    std::vector<Scene> scenes;
+    for (const TextCase& c : readTextCases("gl11/scenes.txt")) {
+        const std::vector<std::string> w = words(c.what);
+        readCalls(c, c.input, &scenes.emplace_back(Scene{w.at(0), {w.begin() + 1, w.end()}, {}}).calls);
     }
-    return !scenes->empty();
+    return scenes;
 }
 #endif
 

@@ -1,4 +1,4 @@
-// The feature scenes (tests/gl11/feature_scenes.txt): one small scene per
+// The feature scenes (tests/data/gl11/scenes.txt): one small scene per
 // OpenGL 1.1 feature the show draws with, a list of calls read once and sent
 // to either OpenGL by scene_file.cpp, which is compiled twice: over the
 // system's OpenGL and GLU, as the desktop draws, and over gl11, as the
@@ -11,7 +11,7 @@
 struct SceneCall {
     std::string name;
     std::vector<float> args;  // numbers, GL names as their values
-    int line;
+    int line;  // the scene's
 };
 
 struct Scene {
@@ -20,8 +20,8 @@ struct Scene {
     std::vector<SceneCall> calls;
 };
 
-// Reads the file's scenes; false with the file and line it cannot read in *error.
-bool readScenes(const std::string& path, std::vector<Scene>* scenes, std::string* error);
+// The file's scenes; throws naming the file and line it cannot read.
+std::vector<Scene> readScenes();
 
 // What one drawing of a scene leaves: its texture names (a run that has them
 // binds them instead of making new ones), every value glGetFloatv answered,

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/engine/text_cases.h"
 #include "tests/resources/gl_test_window.h"
 #include "tests/resources/resource_test_files.h"
 
@@ -18,12 +19,11 @@ TEST(Overlay, DarkenCutsAndAddBrightensTheTitleScaledByTheColourAndBothLeaveTheS
     glMatrixMode(GL_PROJECTION);
     glOrtho(-320, 320, -240, 240, 1, 6000);
     glMatrixMode(GL_MODELVIEW);
-    // A 32 x 32 white image loaded into 64 x 64: white in the top-left quadrant
-    // only, so that the test sees which way up it lands.
+    // A 32 x 32 white image (runs of 63 and 16 of index 1) loaded into 64 x 64:
+    // white in the top-left quadrant only, so that the test sees which way up it lands.
     WorkingTempDir directory;
-    writeBytes("3d", buildArchive({{"title.pcx", pcxFile({.width = 32, .height = 32, .bytesPerLine = 32},
-                                                         encodeRuns(std::vector<uint8_t>(1024, 1)),
-                                                         {0, 0, 0, 255, 255, 255})}}));
+    writeBytes("3d", textBytes("\"title.pcx\" d931 x0A x05 x01 x08 w0,0,31,31 x00*53 x01 w32 x00*60 RUNS RUNS xD0 x01 x0C x00*3 "
+                               "xFF*3 x00*762", {{"RUNS", "xFF x01 xFF x01 xFF x01 xFF x01 xFF x01 xFF x01 xFF x01 xFF x01"}}));
     Library library{};
     library.open("3d");
     Texture title{};

@@ -9,15 +9,13 @@
 
 #include "app/sequencer.h"
 #include "engine/world.h"
-#include "tests/support/fatal_catcher.h"
+#include "tests/engine/text_cases.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
 #include <limits>
-#include <sstream>
 #include <tuple>
 #include <vector>
 
@@ -41,39 +39,31 @@ struct Reveal {
 };
 
 TEST(PartRules, CallsGiveTheirResults) {
-    std::ifstream file(testDataPath("parts/rules.txt"));
-    int number = 0, calls = 0;
-    for (std::string line; std::getline(file, line);) {
-        ++number;
-        if (line.empty() || line[0] == '#') continue;
-        SCOPED_TRACE("rules.txt:" + std::to_string(number) + ": " + line);
-        ++calls;
-        std::istringstream words(line);
-        std::string name, word;
+    const std::vector<TextCase> calls = readTextCases("parts/rules.txt");
+    for (const TextCase& call : calls) {
+        SCOPED_TRACE(::testing::PrintToString(call));
+        const std::vector<std::string> w = words(call.input);
         std::vector<double> args, want;
-        std::vector<double>* into = &args;
-        for (words >> name; words >> word;) {
-            if (word == "->") into = &want;
-            else into->push_back(std::stod(word));
-        }
-        if (name == "reveal") {
+        for (size_t i = 1; i < w.size(); ++i) args.push_back(std::stod(w[i]));
+        for (const std::string& word : words(call.expected)) want.push_back(std::stod(word));
+        if (w[0] == "reveal") {
             Reveal reveal(static_cast<int>(args[0]));
             reveal.frames({args.begin() + 1, args.end()});
             EXPECT_EQ(std::vector<double>({static_cast<double>(reveal.index), static_cast<double>(reveal.armed)}), want);
             for (int i = 0; i < reveal.world.meshCount; ++i) {  // mesh 3 is never shown
                 EXPECT_EQ((reveal.world.meshes[i]->flags & MESH_VISIBLE) != 0, i < 3 || (i > 3 && i <= reveal.index)) << i;
             }
-        } else if (name == "loudness") {
+        } else if (w[0] == "loudness") {
             EXPECT_EQ(loudnessSelection(static_cast<uint32_t>(args[0]), static_cast<int32_t>(args[1])), want[0]);
-        } else if (name == "depth") {
+        } else if (w[0] == "depth") {
             EXPECT_EQ(spriteDepth(static_cast<int>(args[0]), static_cast<float>(args[1])), want[0]);
-        } else if (name == "height") {
+        } else if (w[0] == "height") {
             EXPECT_EQ(waveHeight(static_cast<int>(args[0]), static_cast<int>(args[1]), args[2], args[3]), want[0]);
         } else {
             ADD_FAILURE() << "no such call";
         }
     }
-    EXPECT_GT(calls, 40);
+    EXPECT_GT(calls.size(), 40u);
 }
 
 TEST(PartRules, ARevealedMeshHiddenBySomeoneElseComesBackOnTheNextBeatWithItsOtherFlags) {

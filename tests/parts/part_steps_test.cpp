@@ -18,13 +18,12 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <fstream>
 #include <sstream>
 #include <utility>
 
+#include "tests/engine/text_cases.h"
 #include "tests/parts/frame_recorder.h"
 #include "tests/renderer/test_worlds.h"
 #include "tests/resources/gl_test_window.h"
@@ -153,44 +152,14 @@ protected:
     }
 };
 
-// Whether `line` holds `pattern`: "^x" begins it, "x$" ends it, any other is in it.
-bool holds(const std::string& line, const std::string& pattern) {
-    if (pattern[0] == '^') return line.starts_with(pattern.substr(1));
-    if (pattern.back() == '$') return line.ends_with(pattern.substr(0, pattern.size() - 1));
-    return line.find(pattern) != std::string::npos;
-}
-
-// One case of frames.txt: its line of steps and the lines expected.
-struct FrameCase {
-    int line;
-    std::string steps, expected;
-};
-void PrintTo(const FrameCase& c, std::ostream* out) { *out << "frames.txt:" << c.line << ": " << c.steps; }
-
-std::vector<FrameCase> readFrameCases() {
-    std::ifstream file(testDataPath("parts/frames.txt"));
-    std::vector<FrameCase> cases;
-    int number = 0;
-    for (std::string line; std::getline(file, line);) {
-        ++number;
-        if (line.rfind("part ", 0) == 0) {
-            cases.push_back({number, line, ""});
-        } else if (!line.empty() && line[0] != '#' && !cases.empty()) {
-            cases.back().expected += line + "\n";
-        }
-    }
-    return cases;
-}
-
-class DrawStep : public PartSteps, public ::testing::WithParamInterface<FrameCase> {};
+class DrawStep : public PartSteps, public ::testing::WithParamInterface<TextCase> {};
 
 TEST_P(DrawStep, HandsTheRendererAndTheOverlaysWhatItsPartDraws) {
     void (*const STEPS[])() = {drawPart1, drawPart2, drawPart3,  drawPart4,  drawPart5,  drawPart6, drawPart7,
                                drawPart8, drawPart9, drawPart10, drawPart11, drawPart12, drawPart13};
-    std::istringstream steps(GetParam().steps);
+    std::istringstream steps(GetParam().input);
     void (*step)() = nullptr;
     std::string word, recorded;
-    std::vector<std::string> only;
     float end = -1.0f;
     while (steps >> word) {
         int number = 0;
@@ -210,20 +179,13 @@ TEST_P(DrawStep, HandsTheRendererAndTheOverlaysWhatItsPartDraws) {
                 steps >> slash >> left >> slash >> right;
             }
             recorded = frameAt(step, time, left, right);
-        } else if (word == "only" && steps >> word) {
-            only.push_back(word);
         } else if (word == "ends") {
             steps >> end;
         } else {
             FAIL() << "unknown step " << word;
         }
     }
-    std::istringstream lines(recorded);
-    std::string kept;
-    for (std::string line; std::getline(lines, line);) {
-        kept += only.empty() || std::ranges::any_of(only, [&line](const std::string& p) { return holds(line, p); }) ? line + "\n" : "";
-    }
-    EXPECT_EQ(kept, GetParam().expected);
+    EXPECT_EQ(comparedLines(GetParam(), recorded), GetParam().expected);
     if (end >= 0.0f) {
         const int32_t counter = g_partCounter;
         g_frameCount = 0;
@@ -235,8 +197,7 @@ TEST_P(DrawStep, HandsTheRendererAndTheOverlaysWhatItsPartDraws) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Frames, DrawStep, ::testing::ValuesIn(readFrameCases()),
-                         [](const auto& info) { return "line" + std::to_string(info.param.line); });
+INSTANTIATE_TEST_SUITE_P(Frames, DrawStep, ::testing::ValuesIn(readTextCases("parts/frames.txt")), caseName);
 
 TEST_F(PartSteps, ASceneShortOfWhatItsPartUsesEndsTheShowAtTheSetUp) {
     WorkingTempDir directory;
