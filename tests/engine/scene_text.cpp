@@ -7,15 +7,27 @@
 #include "engine/world.h"
 #include "tests/support/fatal_catcher.h"
 
-namespace {
-
-std::string number(double value) {
+std::string numberText(double value) {
     char text[32];
     std::snprintf(text, sizeof text, "%g", value + 0.0);  // + 0.0: no "-0"
     return text;
 }
+
+std::string listText(std::initializer_list<double> values) {
+    std::string text;
+    for (double value : values) text += (text.empty() ? "(" : ",") + numberText(value);
+    return text + ")";
+}
+
+const std::map<uint32_t, std::string> MODE_NAMES = {
+    {0, "none"}, {MODE_FLAT, "MODE_FLAT"}, {MODE_SMOOTH, "MODE_SMOOTH"}, {MODE_SPHERE_MAP, "MODE_SPHERE_MAP"},
+    {MODE_WIRE, "MODE_WIRE"}, {MODE_WIRE_LIT, "MODE_WIRE_LIT"}, {MODE_TEXTURE, "MODE_TEXTURE"},
+    {MODE_TEXTURE_FLAT, "MODE_TEXTURE_FLAT"}, {MODE_TEXTURE_SMOOTH, "MODE_TEXTURE_SMOOTH"}};
+
+namespace {
+
 std::string vector3(const Vector& v, bool withW = false) {
-    return "(" + number(v.x) + "," + number(v.y) + "," + number(v.z) + (withW ? "," + number(v.w) : "") + ")";
+    return withW ? listText({v.x, v.y, v.z, v.w}) : listText({v.x, v.y, v.z});
 }
 std::string colour(Colour value) {
     char text[16];
@@ -36,9 +48,6 @@ std::string keys(const Track& track, const char* prefix) {
 }  // namespace
 
 std::string dumpWorld(const World& world) {
-    static const std::map<uint32_t, std::string> MODES = {
-        {0, "none"}, {MODE_FLAT, "MODE_FLAT"}, {MODE_SMOOTH, "MODE_SMOOTH"}, {MODE_SPHERE_MAP, "MODE_SPHERE_MAP"},
-        {MODE_WIRE, "MODE_WIRE"}, {MODE_TEXTURE, "MODE_TEXTURE"}};
     std::string out;
     for (int32_t m = 0; m < world.meshCount; ++m) {
         const MeshObject& mesh = *world.meshes[m];
@@ -48,7 +57,7 @@ std::string dumpWorld(const World& world) {
                (vector3(mesh.rotation) != "(0,0,0)" ? " rot " + vector3(mesh.rotation) : "") + "\n";
         for (int32_t i = 0; i < mesh.vertexCount; ++i) {
             const Vertex& v = mesh.vertices[i];
-            out += "  vertex " + vector3(v.position) + " normal " + vector3(v.normal) + " uv (" + number(v.u) + "," + number(v.v) + ")\n";
+            out += "  vertex " + vector3(v.position) + " normal " + vector3(v.normal) + " uv (" + numberText(v.u) + "," + numberText(v.v) + ")\n";
         }
         for (int32_t i = 0; i < mesh.faceCount; ++i) {
             const Face& f = mesh.faces[i];
@@ -62,24 +71,24 @@ std::string dumpWorld(const World& world) {
     }
     for (int32_t i = 0; i < world.materialCount; ++i) {
         const Material& m = *world.materials[i];
-        out += "material " + std::string(m.name) + " " + (MODES.contains(m.mode) ? MODES.at(m.mode) : number(m.mode)) +
+        out += "material " + std::string(m.name) + " " + (MODE_NAMES.contains(m.mode) ? MODE_NAMES.at(m.mode) : numberText(m.mode)) +
                " twosided " + std::to_string(m.twoSided) + " ambient " + colour(m.ambient) + " diffuse " + colour(m.diffuse) +
-               " specular " + colour(m.specular) + (m.flags != MAT_OPAQUE ? " flags " + number(m.flags) : "") + "\n";
+               " specular " + colour(m.specular) + (m.flags != MAT_OPAQUE ? " flags " + numberText(m.flags) : "") + "\n";
     }
     for (int32_t i = 0; i < world.cameraCount; ++i) {
         const Camera& c = *world.cameras[i];
         out += "camera " + std::string(c.name) + " at " + vector3(c.position) + " to " + vector3(c.target) + " fov " +
-               number(c.fov) + (world.camera == &c ? " current" : "") + "\n" + keys(*c.positionTrack, "") + keys(*c.targetTrack, "target ");
+               numberText(c.fov) + (world.camera == &c ? " current" : "") + "\n" + keys(*c.positionTrack, "") + keys(*c.targetTrack, "target ");
     }
     for (int32_t i = 0; i < world.lightCount; ++i) {
         const Light& l = *world.lights[i];
         out += "light " + std::string(l.name) + " at " + vector3(l.position) + " colour " + colour(l.colour) + " range " +
-               number(l.range) + "\n" + keys(*l.positionTrack, "");
+               numberText(l.range) + "\n" + keys(*l.positionTrack, "");
     }
     for (int32_t i = 0; i < world.spotlightCount; ++i) {
         const Spotlight& s = *world.spotlights[i];
         out += "spot " + std::string(s.name) + " at " + vector3(s.position) + " to " + vector3(s.target) + " colour " +
-               colour(s.colour) + " hotspot " + number(s.hotspot) + " falloff " + number(s.falloff) + "\n" +
+               colour(s.colour) + " hotspot " + numberText(s.hotspot) + " falloff " + numberText(s.falloff) + "\n" +
                keys(*s.positionTrack, "") + keys(*s.targetTrack, "target ");
     }
     return out + "segment " + std::to_string(world.segment->startFrame) + " " + std::to_string(world.segment->endFrame) + "\n";

@@ -4,10 +4,18 @@
 
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
+#include <map>
 #include <string>
 #include <vector>
 
 struct World;
+
+// A number in %g ("0", never "-0"); "(a,b,...)" of numbers; the MODE_*
+// names of engine/world.h ("none" for 0) by value.
+std::string numberText(double value);
+std::string listText(std::initializer_list<double> values);
+extern const std::map<uint32_t, std::string> MODE_NAMES;
 
 // One line per record, numbers in %g:
 //   mesh NAME vertices V faces F centre (x,y,z) [hidden] [scale (..)] [rot (..)]

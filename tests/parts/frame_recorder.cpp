@@ -1,11 +1,11 @@
 #include "tests/parts/frame_recorder.h"
 
 #include <cstdio>
-#include <initializer_list>
 #include <map>
 
 #include "base/gl.h"
 #include "engine/world.h"
+#include "tests/engine/scene_text.h"
 
 namespace {
 
@@ -18,22 +18,7 @@ void addLine(const std::string& line) {
     g_lastOverlay.clear();
 }
 
-std::string number(double value) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%g", value + 0.0);  // + 0.0: no "-0"
-    return text;
-}
-
-// "(a,b,...)"
-std::string list(std::initializer_list<double> values) {
-    std::string text;
-    for (double value : values) {
-        text += (text.empty() ? "(" : ",") + number(value);
-    }
-    return text + ")";
-}
-
-std::string vector3(const Vector& v) { return list({v.x, v.y, v.z}); }
+std::string vector3(const Vector& v) { return listText({v.x, v.y, v.z}); }
 
 std::string fog() {
     if (!glIsEnabled(GL_FOG)) {
@@ -44,13 +29,9 @@ std::string fog() {
     glGetIntegerv(GL_FOG_MODE, &mode);
     glGetFloatv(GL_FOG_COLOR, c);
     glGetFloatv(GL_FOG_DENSITY, &density);
-    return (mode == GL_EXP ? "fog exp " : "fog (not exp) ") + list({c[0], c[1], c[2], c[3]}) + " " + number(density);
+    return (mode == GL_EXP ? "fog exp " : "fog (not exp) ") + listText({c[0], c[1], c[2], c[3]}) + " " + numberText(density);
 }
 
-const std::map<uint32_t, const char*> MODES = {
-    {MODE_FLAT, "MODE_FLAT"}, {MODE_SMOOTH, "MODE_SMOOTH"}, {MODE_SPHERE_MAP, "MODE_SPHERE_MAP"}, {MODE_WIRE, "MODE_WIRE"},
-    {MODE_WIRE_LIT, "MODE_WIRE_LIT"}, {MODE_TEXTURE, "MODE_TEXTURE"}, {MODE_TEXTURE_FLAT, "MODE_TEXTURE_FLAT"},
-    {MODE_TEXTURE_SMOOTH, "MODE_TEXTURE_SMOOTH"}};
 const std::map<uint32_t, const char*> FLAGS = {{MAT_OPAQUE, "MAT_OPAQUE"}, {MAT_ADD, "MAT_ADD"}, {MAT_DARKEN, "MAT_DARKEN"},
                                                {MAT_ALPHA, "MAT_ALPHA"}, {MAT_LINEAR, "MAT_LINEAR"}, {MAT_NO_DEPTH, "MAT_NO_DEPTH"}};
 
@@ -58,7 +39,7 @@ void writeMesh(const MeshObject& mesh, const Material& material) {
     char colour[16];
     std::snprintf(colour, sizeof colour, " 0x%08X ", material.diffuse);
     std::string line = std::string("mesh ") +
-                       (MODES.contains(material.mode) ? MODES.at(material.mode) : "(another mode)") + colour;
+                       (MODE_NAMES.contains(material.mode) ? MODE_NAMES.at(material.mode) : numberText(material.mode)) + colour;
     for (const auto& [bit, name] : FLAGS) {
         line += material.flags & bit ? std::string(name) + "|" : "";
     }
@@ -74,7 +55,7 @@ void writeOverlay(const char* function, const Texture* texture, int x0, int y0, 
     const auto name = g_textureNames.find(texture);
     const std::string shape = std::string("overlay ") + function + " " +
                               (name != g_textureNames.end() ? name->second : "(unnamed)") + " " +
-                              list({x0 + 0.0, y0 + 0.0}) + "-" + list({x1 + 0.0, y1 + 0.0});
+                              listText({x0 + 0.0, y0 + 0.0}) + "-" + listText({x1 + 0.0, y1 + 0.0});
     if (shape == g_lastOverlay) {
         g_lines.insert(g_lines.size() - 1, " " + std::to_string(z));  // before the line's '\n'
     } else {
