@@ -12,16 +12,15 @@
 #define SCENES_NAMESPACE reference_scenes
 #endif
 
-#include "tests/engine/text_cases.h"
 #include "tests/gl11/scene_file.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <functional>
 #include <map>
 #include <sstream>
-#include <stdexcept>
 
 #ifndef KASKADE_SCENES_ON_GL11
 namespace {
@@ -41,38 +40,15 @@ const std::map<std::string, float> NAMES = {
     NAMED(TRIANGLES), NAMED(ZERO), {"PAINTED", 1.0f}};
 #undef NAMED
 
-// The calls of `text`, separated by ';' and lines, "#" starting a comment;
-// "use NAME" takes the calls of the define NAME.
-void readCalls(const TextCase& c, const std::string& text, std::vector<SceneCall>* calls) {
-    std::istringstream lines(text);
-    for (std::string line; std::getline(lines, line);) {
-        std::istringstream in(line.substr(0, line.find('#')));
-        for (std::string call; std::getline(in, call, ';');) {
-            const std::vector<std::string> w = words(call);
-            if (w.size() == 2 && w[0] == "use" && c.macros.contains(w[1])) {
-                readCalls(c, c.macros.at(w[1]), calls);
-            } else if (!w.empty()) {
-                SceneCall& out = calls->emplace_back(SceneCall{w[0], {}, c.line});
-                for (size_t i = 1; i < w.size(); ++i) {
-                    char* end = nullptr;
-                    const float number = std::strtof(w[i].c_str(), &end);
-                    if (*end != '\0' && !NAMES.contains(w[i])) {
-                        throw std::runtime_error(c.file + ":" + std::to_string(c.line) + ": neither a number nor a name: " + w[i]);
-                    }
-                    out.args.push_back(*end == '\0' ? number : NAMES.at(w[i]));
-                }
-            }
-        }
-    }
-}
-
 }  // namespace
+
+float sceneName(const std::string& word) { return NAMES.contains(word) ? NAMES.at(word) : NAN; }
 
 std::vector<Scene> readScenes() {
     std::vector<Scene> scenes;
     for (const TextCase& c : readTextCases("gl11/scenes.txt")) {
         const std::vector<std::string> w = words(c.what);
-        readCalls(c, c.input, &scenes.emplace_back(Scene{w.at(0), {w.begin() + 1, w.end()}, {}}).calls);
+        scenes.push_back({w.at(0), {w.begin() + 1, w.end()}, c});
     }
     return scenes;
 }
@@ -229,18 +205,37 @@ void drawScene(const Scene& scene, SceneRun* run) {
 #undef E1
 #undef F3
 #undef I4
-    for (const SceneCall& call : scene.calls) {
-        std::vector<float> args = call.args;
-        args.resize(args.size() + 16);
-        a = args.data();
-        n = call.args.size();
-        const auto found = calls.find(call.name);
-        if (found == calls.end()) {
-            run->error = scene.name + ", line " + std::to_string(call.line) + ": no call named " + call.name;
-            return;
+    // The calls of `text`, separated by ';' and lines, "#" starting a comment;
+    // "use NAME" makes the calls of the define NAME.
+    const std::function<void(const std::string&)> make = [&](const std::string& text) {
+        std::istringstream lines(text);
+        for (std::string line; std::getline(lines, line);) {
+            std::istringstream in(line.substr(0, line.find('#')));
+            for (std::string call; std::getline(in, call, ';');) {
+                const std::vector<std::string> w = words(call);
+                if (w.size() == 2 && w[0] == "use" && scene.text.macros.contains(w[1])) {
+                    make(scene.text.macros.at(w[1]));
+                    continue;
+                }
+                std::vector<float> args;
+                for (size_t k = 1; k < w.size(); ++k) {
+                    char* end = nullptr;
+                    const float number = std::strtof(w[k].c_str(), &end);
+                    args.push_back(*end == '\0' ? number : sceneName(w[k]));
+                }
+                n = args.size();
+                const auto found = w.empty() ? calls.end() : calls.find(w[0]);
+                if (!w.empty() && (found == calls.end() || std::any_of(args.begin(), args.end(), [](float v) { return std::isnan(v); }))) {
+                    run->error += scene.name + ": no such call or name in: " + call + "\n";
+                } else if (!w.empty()) {
+                    args.resize(n + 16);
+                    a = args.data();
+                    found->second();
+                }
+            }
         }
-        found->second();
-    }
+    };
+    make(scene.text.input);
 }
 
 }  // namespace SCENES_NAMESPACE

@@ -8,24 +8,23 @@
 #include <string>
 #include <vector>
 
-struct SceneCall {
-    std::string name;
-    std::vector<float> args;  // numbers, GL names as their values
-    int line;  // the scene's
-};
+#include "tests/engine/text_cases.h"
 
 struct Scene {
     std::string name;
     std::vector<std::string> mistakes;  // gl11's deliberate mistakes (gl11/faults.h) it shows
-    std::vector<SceneCall> calls;
+    TextCase text;                      // its calls, and the defines it may use
 };
 
-// The file's scenes; throws naming the file and line it cannot read.
+// The file's scenes.
 std::vector<Scene> readScenes();
+
+// The value of a GL name the file may use (without GL_), NaN for none.
+float sceneName(const std::string& word);
 
 // What one drawing of a scene leaves: its texture names (a run that has them
 // binds them instead of making new ones), every value glGetFloatv answered,
-// and a call the file names that there is none of.
+// and the calls and names the file gives that there are none of.
 struct SceneRun {
     std::vector<unsigned> textures;
     std::vector<float> answers;
