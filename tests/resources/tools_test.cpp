@@ -28,6 +28,7 @@ namespace {
 //   same A B             files A and B: "same" or "different" bytes
 //   pixels A B [ROWS]    PNG files A and B: "same" or "different" pixels (in their first ROWS rows)
 //   size PNG             its width and height
+//   fields NAME...       for each JSON field NAME of the last run's standard output: "NAME: N times, sum S"
 //   colour PNG RRGGBB|grey N   whether the PNG holds at least N pixels of that colour
 //                        (grey: any grey but black): "at least N" or "only M"
 //   use NAME             the lines of the define NAME
@@ -41,7 +42,7 @@ TEST_P(ToolCases, PrintExitAndWriteWhatIsWrittenDown) {
         GTEST_SKIP() << "no display: run the GL tests under xvfb-run";
     }
     WorkingTempDir directory;
-    std::string output;
+    std::string output, last;
     const auto png = [](const std::string& path) {
         PngImage image;
         std::string error;
@@ -65,6 +66,7 @@ TEST_P(ToolCases, PrintExitAndWriteWhatIsWrittenDown) {
             const std::string tool = w.at(1) == "kaskade-archive" ? KASKADE_ARCHIVE_TOOL : KASKADE_INSPECT_TOOL;
             const int status = std::system(("'" + tool + "' " + line.substr(line.find(w[1]) + w[1].size()) + " >run.out 2>run.err").c_str());
             const std::vector<uint8_t> out = readBytes("run.out"), err = readBytes("run.err");
+            last.assign(out.begin(), out.end());
             std::string errors;
             std::istringstream errorLines(std::string(err.begin(), err.end()));
             for (std::string error; std::getline(errorLines, error);) errors += "! " + error + "\n";
@@ -88,6 +90,15 @@ TEST_P(ToolCases, PrintExitAndWriteWhatIsWrittenDown) {
         } else if (w[0] == "size") {
             const PngImage image = png(w.at(1));
             output += line + ": " + std::to_string(image.width) + " x " + std::to_string(image.height) + "\n";
+        } else if (w[0] == "fields") {
+            for (size_t k = 1; k < w.size(); ++k) {
+                const std::string key = "\"" + w[k] + "\": ";
+                long count = 0, sum = 0;
+                for (size_t at = last.find(key); at != std::string::npos; at = last.find(key, at + 1), ++count) {
+                    sum += std::atol(last.c_str() + at + key.size());
+                }
+                output += w[k] + ": " + std::to_string(count) + " times, sum " + std::to_string(sum) + "\n";
+            }
         } else if (w[0] == "pixels") {
             const PngImage a = png(w.at(1)), b = png(w.at(2));
             const size_t bytes = w.size() > 3 ? std::stoul(w[3]) * a.width * a.channels : a.pixels.size();
