@@ -17,22 +17,7 @@
 
 namespace {
 
-// A case's lines, each writing what it says:
-//   $ TOOL ARGUMENTS     TOOL (kaskade-archive, kaskade-inspect) run: the line, its
-//                        standard output, its standard error's lines after "! ", "exit STATUS"
-//   put NAME BYTES...    the file NAME (its folders made) of BYTES in the case files' notation
-//   count NAME N FIRST   the file NAME of N bytes counting up from FIRST
-//   copy DATA NAME       tests/data/DATA copied as NAME
-//   cut NAME N OUT       NAME without its last N bytes, as OUT
-//   exists NAME          "NAME: there" or "NAME: none"
-//   same A B             files A and B: "same" or "different" bytes
-//   pixels A B [ROWS]    PNG files A and B: "same" or "different" pixels (in their first ROWS rows)
-//   size PNG             its width and height
-//   fields NAME...       for each JSON field NAME of the last run's standard output: "NAME: N times, sum S"
-//   colour PNG RRGGBB|grey N   whether the PNG holds at least N pixels of that colour
-//                        (grey: any grey but black): "at least N" or "only M"
-//   use NAME             the lines of the define NAME
-//   display              the case needs a display (skipped without one)
+// A case: commands, each writing what it says (the commands: the file's first lines).
 class ToolCases : public ::testing::TestWithParam<TextCase> {};
 
 TEST_P(ToolCases, PrintExitAndWriteWhatIsWrittenDown) {
