@@ -71,9 +71,7 @@ void sphere(float radius, int slices, int stacks, bool painted) {
         const float phi = 2.0f * PI * static_cast<float>(slice) / static_cast<float>(slices);  // 0 towards +z
         const float n[3] = {std::sin(theta) * std::sin(phi), std::cos(theta), std::sin(theta) * std::cos(phi)};
         auto channel = [](float unit) { return static_cast<float>(std::lround(127.5f + 127.0f * unit)); };
-        if (painted) {
-            colour(channel(n[0]), channel(n[1]), channel(n[2]));
-        }
+        if (painted) colour(channel(n[0]), channel(n[1]), channel(n[2]));
         glNormal3f(n[0], n[1], n[2]);
         glVertex3f(radius * n[0], radius * n[1], radius * n[2]);
     };
@@ -82,9 +80,7 @@ void sphere(float radius, int slices, int stacks, bool painted) {
             const int triangles[2][3][2] = {{{i, j}, {i + 1, j}, {i + 1, j + 1}}, {{i, j}, {i + 1, j + 1}, {i, j + 1}}};
             for (const auto& triangle : triangles) {
                 glBegin(GL_POLYGON);
-                for (const auto& [stack, slice] : triangle) {
-                    vertex(stack, slice);
-                }
+                for (const auto& [stack, slice] : triangle) vertex(stack, slice);
                 glEnd();
             }
         }
@@ -102,9 +98,7 @@ void grid(float x0, float y0, float x1, float y1, float z, int cells) {
             const float x = x0 + dx * static_cast<float>(j);
             const float y = y0 + dy * static_cast<float>(i);
             const float corners[4][2] = {{x, y}, {x + dx, y}, {x + dx, y + dy}, {x, y + dy}};
-            for (const auto& [cx, cy] : corners) {
-                glVertex3f(cx, cy, z);
-            }
+            for (const auto& [cx, cy] : corners) glVertex3f(cx, cy, z);
         }
     }
     glEnd();

@@ -21,9 +21,7 @@ void addLine(const std::string& line) {
 std::string vector3(const Vector& v) { return listText({v.x, v.y, v.z}); }
 
 std::string fog() {
-    if (!glIsEnabled(GL_FOG)) {
-        return "no fog";
-    }
+    if (!glIsEnabled(GL_FOG)) return "no fog";
     GLint mode = 0;
     GLfloat c[4], density = 0;
     glGetIntegerv(GL_FOG_MODE, &mode);
@@ -40,9 +38,7 @@ void writeMesh(const MeshObject& mesh, const Material& material) {
     std::snprintf(colour, sizeof colour, " 0x%08X ", material.diffuse);
     std::string line = std::string("mesh ") +
                        (MODE_NAMES.contains(material.mode) ? MODE_NAMES.at(material.mode) : numberText(material.mode)) + colour;
-    for (const auto& [bit, name] : FLAGS) {
-        line += material.flags & bit ? std::string(name) + "|" : "";
-    }
+    for (const auto& [bit, name] : FLAGS) line += material.flags & bit ? std::string(name) + "|" : "";
     line.pop_back();  // the last '|', or the space before no flags
     const std::string scale = vector3(mesh.scale), rotation = vector3(mesh.rotation), move = vector3(mesh.translation);
     line += scale != "(1,1,1)" ? " scale " + scale : "";
@@ -82,9 +78,7 @@ extern "C" {
 void __real__ZN5World6renderEv(World* world);
 void __wrap__ZN5World6renderEv(World* world) {
     std::string line = "render, " + fog() + ", lights";
-    for (int32_t i = 0; i < world->lightCount; ++i) {
-        line += " " + vector3(world->lights[i]->position);
-    }
+    for (int32_t i = 0; i < world->lightCount; ++i) line += " " + vector3(world->lights[i]->position);
     if (world->camera != nullptr) {
         addLine(line + ", camera " + vector3(world->camera->position) + " to " + vector3(world->camera->target));
         for (int32_t i = 0; i < world->meshCount; ++i) {

@@ -13,6 +13,7 @@
 #include "audio/clock.h"
 #include "audio/music.h"
 #include "engine/world.h"
+#include "resources/archive_format.h"
 #include "resources/library.h"
 #include "resources/texture.h"
 
@@ -43,15 +44,11 @@ World* makeWorld(int meshes, std::initializer_list<const char*> materials, std::
     addTestCamera(*world);
     world->addLight("key", 10, 20, 30, 255, 255, 255, 1000.0f);
     world->addLight("fill", -10, 40, -30, 128, 128, 128, 1000.0f);
-    for (const char* name : materials) {
-        addTestMaterial(*world, name, MODE_FLAT, 0xFF00FF00);
-    }
+    for (const char* name : materials) addTestMaterial(*world, name, MODE_FLAT, 0xFF00FF00);
     for (int i = 0; i < meshes; ++i) {
         addTestSquare(*world, world->materials[i % world->materialCount], 5.0f, static_cast<float>(-10 * i));
     }
-    for (int mesh : hidden) {
-        world->meshes[mesh]->flags &= static_cast<uint8_t>(~MESH_VISIBLE);
-    }
+    for (int mesh : hidden) world->meshes[mesh]->flags &= static_cast<uint8_t>(~MESH_VISIBLE);
     return world;
 }
 
@@ -95,9 +92,7 @@ const std::pair<Texture**, const char*> TEXTURES[] = {
 class PartSteps : public ::testing::Test {
 protected:
     void SetUp() override {
-        if (!openGlTestWindow()) {
-            GTEST_SKIP() << "no display: run under xvfb-run";
-        }
+        if (!openGlTestWindow()) GTEST_SKIP() << "no display: run under xvfb-run";
         setShowStartState();
         glDisable(GL_FOG);
         g_millisecondClock = [] { return g_fakeMillis; };
@@ -138,9 +133,7 @@ protected:
         g_millisecondClock = monotonicMillis;
         g_levelSource = audioChannelGetLevel;
         g_partCounter = 0;
-        for (World** world : WORLDS) {
-            delete std::exchange(*world, nullptr);
-        }
+        for (World** world : WORLDS) delete std::exchange(*world, nullptr);
         for (const auto& [texture, name] : TEXTURES) {
             if (*texture != nullptr) {
                 glDeleteTextures(1, &(*texture)->id);
@@ -175,9 +168,7 @@ TEST_P(DrawStep, HandsTheRendererAndTheOverlaysWhatItsPartDraws) {
         } else if (word == "fog") {
             glEnable(GL_FOG);
         } else if (word == "at" && steps >> time) {
-            if (steps.peek() == '/') {
-                steps >> slash >> left >> slash >> right;
-            }
+            if (steps.peek() == '/') steps >> slash >> left >> slash >> right;
             recorded = frameAt(step, time, left, right);
         } else if (word == "ends") {
             steps >> end;
@@ -201,15 +192,14 @@ INSTANTIATE_TEST_SUITE_P(Frames, DrawStep, ::testing::ValuesIn(readTextCases("pa
 
 TEST_F(PartSteps, ASceneShortOfWhatItsPartUsesEndsTheShowAtTheSetUp) {
     WorkingTempDir directory;
-    if (g_library == nullptr) {
-        g_library = new Library;
-    }
+    g_library = g_library != nullptr ? g_library : new Library;
     // An exporter's scene with nine meshes and no camera, where part 8 needs one.
-    writeBytes("3d", buildArchive({{"5d.3ds", readBytes(testDataPath("3ds/test1.3ds"))}}));
+    std::vector<uint8_t> archive, scene = readBytes(testDataPath("3ds/test1.3ds"));
+    appendArchiveEntry(archive, "5d.3ds", scene.data(), scene.size(), nullptr);
+    writeBytes("3d", archive);
     delete std::exchange(g_world5d, nullptr);
     const FatalError error = expectFatal([] { setupPart8(); });
-    EXPECT_EQ(error.caption, "tessel openGL engine");
-    EXPECT_EQ(error.status, 1);
+    EXPECT_EQ(std::pair(error.caption, error.status), std::pair(std::string("tessel openGL engine"), 1));
     g_library->close();
 
     // Too few meshes or lights, or a rest shape of another size than its wave mesh.

@@ -95,9 +95,7 @@ void addLamp(World& world) { world.addLight("lamp", 0, 0, 0, 255, 255, 255, 1000
 class WorldRender : public ::testing::Test {
 protected:
     void SetUp() override {
-        if (!openGlTestWindow()) {
-            GTEST_SKIP() << "no display: run the GL tests under xvfb-run";
-        }
+        if (!openGlTestWindow()) GTEST_SKIP() << "no display: run the GL tests under xvfb-run";
         startFrame();
     }
 };

@@ -10,9 +10,7 @@
 
 WorkingTempDir::WorkingTempDir()
     : path_(::testing::TempDir() + "kaskade-res-XXXXXX"), previous_(std::filesystem::current_path()) {
-    if (mkdtemp(path_.data()) == nullptr) {
-        throw std::runtime_error("cannot make a temporary directory " + path_);
-    }
+    if (mkdtemp(path_.data()) == nullptr) throw std::runtime_error("cannot make a temporary directory " + path_);
     std::filesystem::current_path(path_);
 }
 
@@ -31,13 +29,4 @@ std::vector<uint8_t> readBytes(const std::string& path) {
 void writeBytes(const std::string& path, const std::vector<uint8_t>& bytes) {
     std::string error;
     writeWholeFile(path, bytes, &error) ? void() : throw std::runtime_error(error);
-}
-
-std::vector<uint8_t> buildArchive(const TestEntries& entries) {
-    std::vector<uint8_t> archive;
-    for (const auto& [name, data] : entries) {
-        std::string error;
-        appendArchiveEntry(archive, name, data.data(), data.size(), &error) ? void() : throw std::runtime_error(error);
-    }
-    return archive;
 }

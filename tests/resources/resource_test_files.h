@@ -1,9 +1,8 @@
-// Files for the tests: a private working directory, whole files and archives.
+// Files for the tests: a private working directory and whole files.
 #pragma once
 
 #include <cstdint>
 #include <string>
-#include <utility>
 #include <vector>
 
 // A fresh temporary directory, the working directory while it lives (archives
@@ -22,7 +21,3 @@ private:
 // Whole files; both throw std::runtime_error on failure.
 std::vector<uint8_t> readBytes(const std::string& path);
 void writeBytes(const std::string& path, const std::vector<uint8_t>& bytes);
-
-// Names and data of archive entries, written in this order as one archive by buildArchive.
-using TestEntries = std::vector<std::pair<std::string, std::vector<uint8_t>>>;
-std::vector<uint8_t> buildArchive(const TestEntries& entries);
