@@ -30,6 +30,7 @@
 #include "parts/part_schedule.h"
 #include "resources/archive_format.h"
 #include "resources/pcx_decoder.h"
+#include "tests/engine/scene_text.h"
 
 namespace {
 
@@ -193,11 +194,8 @@ TEST_F(Soundtrack, ItsSectionsChangeWhereThePartsChangeAndItsLevelsMoveTheMusicD
         EXPECT_TRUE(loudest > BEAT_LEVEL && quietest < BEAT_LEVEL) << "beat " << beat << ": " << quietest << " to " << loudest;
     }
     // Part 7's loudness picks every mesh of its tumble.
-    std::vector<uint8_t> tumble = make4dScene();
     World world;
-    FILE* file = fmemopen(tumble.data(), tumble.size(), "rb");
-    world.loadFromFile(file);
-    std::fclose(file);
+    loadScene(world, make4dScene());
     std::vector<int> picked(static_cast<size_t>(world.meshCount), 0);
     for (size_t i = 0; i < g_levels.size(); ++i) {
         const int32_t mesh = loudnessSelection(g_levels[i], world.meshCount);

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <map>
+#include <memory>
 #include <sstream>
 
 #include "engine/world.h"
@@ -95,18 +96,12 @@ std::string dumpWorld(const World& world) {
 }
 
 void loadScene(World& world, const std::vector<uint8_t>& bytes, long offset) {
-    FILE* file = std::tmpfile();
+    const std::unique_ptr<FILE, int (*)(FILE*)> file(std::tmpfile(), std::fclose);  // closed when a report unwinds
     std::vector<uint8_t> stream(static_cast<size_t>(offset), 0xEE);
     stream.insert(stream.end(), bytes.begin(), bytes.end());
-    if (!stream.empty()) std::fwrite(stream.data(), 1, stream.size(), file);  // fwrite must not get a null pointer
-    std::fseek(file, offset, SEEK_SET);
-    try {
-        world.loadFromFile(file);
-    } catch (...) {
-        std::fclose(file);
-        throw;
-    }
-    std::fclose(file);
+    if (!stream.empty()) std::fwrite(stream.data(), 1, stream.size(), file.get());  // fwrite must not get a null pointer
+    std::fseek(file.get(), offset, SEEK_SET);
+    world.loadFromFile(file.get());
 }
 
 std::string loadReport(const std::vector<std::vector<uint8_t>>& loads, long offset,
