@@ -93,8 +93,7 @@ constexpr int MAX_PIXELS_APART = 32;
 std::pair<int, int> compare(const SceneImage& a, const SceneImage& b) {
     std::pair<int, int> apart;
     for (size_t pixel = 0; pixel < a.size(); pixel += 4) {
-        const int largest = std::max({std::abs(a[pixel] - b[pixel]),
-                                      std::abs(a[pixel + 1] - b[pixel + 1]),
+        const int largest = std::max({std::abs(a[pixel] - b[pixel]), std::abs(a[pixel + 1] - b[pixel + 1]),
                                       std::abs(a[pixel + 2] - b[pixel + 2])});
         apart = {apart.first + (largest > PIXEL_TOLERANCE ? 1 : 0), std::max(apart.second, largest)};
     }
@@ -123,8 +122,7 @@ std::string keep(const std::string& name, const SceneImage& mesa, const SceneIma
 class Gl11 : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
-        const std::string why = openEglContexts();
-        ASSERT_EQ(why, "");
+        ASSERT_EQ(openEglContexts(), "");
         scenes = readScenes();
     }
     void TearDown() override { gl11SetFault(Gl11Fault::None); }

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <string>
 #include <tuple>
@@ -31,10 +32,6 @@ namespace {
 constexpr int SIZE = 64;
 constexpr int CENTRE = SIZE / 2;
 
-struct Rgb {
-    int r, g, b;
-};
-
 // The show's start state, the viewport, an identity model-view matrix, fog and
 // blending and every light off (each an omni light again), the frame cleared to black.
 void startFrame() {
@@ -52,24 +49,19 @@ void startFrame() {
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
 }
 
-// The viewport's pixels, bottom row first.
-struct Frame {
-    std::vector<uint8_t> rgb = std::vector<uint8_t>(SIZE * SIZE * 3);
-    Rgb at(int x, int y) const {
-        const uint8_t* p = &rgb[(y * SIZE + x) * 3];
-        return {p[0], p[1], p[2]};
-    }
-    // The pixel with the brightest channel within `radius` of (x, y).
-    Rgb brightest(int x, int y, int radius) const {
-        Rgb best{};
-        for (int j = std::max(0, y - radius); j <= std::min(SIZE - 1, y + radius); ++j) {
-            for (int i = std::max(0, x - radius); i <= std::min(SIZE - 1, x + radius); ++i) {
-                best = std::max({at(i, j).r, at(i, j).g, at(i, j).b}) > std::max({best.r, best.g, best.b}) ? at(i, j) : best;
-            }
+// The pixel with the brightest channel within `radius` of (x, y) in the viewport (rows bottom up).
+std::array<int, 3> brightest(int x, int y, int radius) {
+    std::vector<uint8_t> rgb(SIZE * SIZE * 3);
+    glReadPixels(0, 0, SIZE, SIZE, GL_RGB, GL_UNSIGNED_BYTE, rgb.data());
+    std::array<int, 3> best{};
+    for (int j = std::max(0, y - radius); j <= std::min(SIZE - 1, y + radius); ++j) {
+        for (int i = std::max(0, x - radius); i <= std::min(SIZE - 1, x + radius); ++i) {
+            const std::array<int, 3> at{rgb[(j * SIZE + i) * 3], rgb[(j * SIZE + i) * 3 + 1], rgb[(j * SIZE + i) * 3 + 2]};
+            best = std::ranges::max(at) > std::ranges::max(best) ? at : best;
         }
-        return best;
     }
-};
+    return best;
+}
 
 // A square of `half` with one material in front of the test camera.
 struct SquareWorld {
@@ -81,12 +73,6 @@ struct SquareWorld {
         : material(addTestMaterial(world, "square", mode, diffuse, flags)),
           square(addTestSquare(world, material, half)) {
         addTestCamera(world);
-    }
-    Frame draw() {
-        world.render();
-        Frame frame;
-        glReadPixels(0, 0, SIZE, SIZE, GL_RGB, GL_UNSIGNED_BYTE, frame.rgb.data());
-        return frame;
     }
 };
 
@@ -201,18 +187,19 @@ TEST_F(WorldRender, EachSquareGivesThePixelWrittenDown) {
                 ADD_FAILURE() << "no such word " << w[i];
             }
         }
-        const Rgb got = scene.draw().brightest(x, y, radius);
+        scene.world.render();
+        const std::array<int, 3> got = brightest(x, y, radius);
         std::vector<int> want;
         for (const std::string& word : words(row.expected)) want.push_back(std::stoi(word));
         want.resize(4);  // the tolerance, 0 unless given
-        EXPECT_TRUE(std::abs(got.r - want[0]) <= want[3] && std::abs(got.g - want[1]) <= want[3] && std::abs(got.b - want[2]) <= want[3])
-            << got.r << " " << got.g << " " << got.b;
+        EXPECT_TRUE(std::abs(got[0] - want[0]) <= want[3] && std::abs(got[1] - want[1]) <= want[3] && std::abs(got[2] - want[2]) <= want[3])
+            << got[0] << " " << got[1] << " " << got[2];
     }
     // A spot light on its own target points straight down.
     startFrame();
     SquareWorld aimless(MODE_SMOOTH, 0x00C0C0C0, MAT_OPAQUE, 10.0f);
     aimless.world.addSpotlight("spot", 0, 50, 0, 0, 50, 0, 255, 255, 255, 30.0f, 40.0f);
-    aimless.draw();
+    aimless.world.render();
     GLfloat direction[3] = {};
     glGetLightfv(GL_LIGHT0, GL_SPOT_DIRECTION, direction);
     EXPECT_EQ(std::vector<GLfloat>(direction, direction + 3), (std::vector<GLfloat>{0.0f, -1.0f, 0.0f}));
