@@ -59,10 +59,6 @@ TEST_P(ToolCases, PrintExitAndWriteWhatIsWrittenDown) {
                       std::to_string(WIFEXITED(status) ? WEXITSTATUS(status) : -1) + "\n";
         } else if (w[0] == "put") {
             write(w.at(1), textBytes(line.substr(line.find(w[1]) + w[1].size()), c.macros));
-        } else if (w[0] == "count") {
-            std::vector<uint8_t> bytes(std::stoul(w.at(2)));
-            for (size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<uint8_t>(std::stoul(w.at(3)) + i);
-            write(w[1], bytes);
         } else if (w[0] == "copy") {
             write(w.at(2), readBytes(testDataPath(w[1])));
         } else if (w[0] == "cut") {
