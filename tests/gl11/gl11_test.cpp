@@ -127,11 +127,6 @@ protected:
     }
     void TearDown() override { gl11SetFault(Gl11Fault::None); }
 
-    static SceneImage drawReference(const Scene& scene, SceneRun* run) {
-        startContext(0);
-        reference_scenes::drawScene(scene, run);
-        return readScene();
-    }
     // On a fresh context, or `again` on the layer's context as it is.
     static SceneImage drawLayer(const Scene& scene, SceneRun* run, bool again = false) {
         if (!again) {
@@ -149,7 +144,9 @@ TEST_F(Gl11, DrawsEverySceneAsMesaDoesAndEachMistakeMovesItsScenePastTheBound) {
     std::vector<bool> shown(static_cast<size_t>(Gl11Fault::Count));
     for (const Scene& scene : scenes) {
         SceneRun reference, layer;
-        const SceneImage mesa = drawReference(scene, &reference);
+        startContext(0);
+        reference_scenes::drawScene(scene, &reference);
+        const SceneImage mesa = readScene();
         const SceneImage drawn = drawLayer(scene, &layer);
         ASSERT_EQ(reference.error + layer.error, "");
         EXPECT_LE(pixelsApart(scene, "", mesa, drawn), MAX_PIXELS_APART) << scene.name << ": " << keep(scene.name, mesa, drawn);
