@@ -34,36 +34,11 @@ void writeMp3(const std::string& path, const std::vector<int16_t>& samples) {
     std::remove(raw.c_str());
 }
 
-namespace {
-
-void writeModule(const std::string& path) {
-    constexpr uint8_t SAMPLE_WORDS = 250;  // 500 bytes, looped whole
-    std::vector<uint8_t> out(20 + 31 * 30, 0);  // title, then 31 sample records of which only the first is used
-    const uint8_t first[8] = {0, SAMPLE_WORDS, 0, 64, 0, 0, 0, SAMPLE_WORDS};  // length, finetune, volume, loop
-    std::copy(first, first + 8, out.begin() + 20 + 22);
-    for (int sample = 1; sample < 31; ++sample) {
-        out[20 + sample * 30 + 29] = 1;  // a loop length of one word: no loop
-    }
-    out.push_back(1);    // song length: one position
-    out.push_back(127);  // restart
-    out.insert(out.end(), 128, 0);  // order table: pattern 0
-    out.insert(out.end(), {'M', '.', 'K', '.'});
-    out.insert(out.end(), {0x01, 0xAC, 0x10, 0, 0, 0, 0x0F, 0x01});  // sample 1 at C-2 (period 428); speed 1
-    out.insert(out.end(), 64 * 4 * 4 - 8, 0);  // the rest of pattern 0
-    for (int i = 0; i < SAMPLE_WORDS * 2; ++i) {
-        out.push_back((i / 16) % 2 == 0 ? 0x60 : 0xA0);
-    }
-    writeBytes(path, out);
-}
-
-}  // namespace
-
 std::string testSound(const std::string& name) {
     static const std::string dir = [] {
         const std::string made = makeTempDir();
         writeMp3(made + "/song.mp3", tone(22050, 11025, 16000, 8000));
         writeMp3(made + "/song.wav", tone(22050, 11025, 16000, 8000));
-        writeModule(made + "/song.mod");
         return made;
     }();
     return dir + "/" + name;

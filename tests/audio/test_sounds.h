@@ -1,6 +1,5 @@
-// Sound files the audio tests make for themselves: MP3s encoded by Debian's
-// ffmpeg (libmp3lame, with the encoder-delay tag that gapless playback needs)
-// and a tracker module written byte by byte.
+// Sound files the tests make for themselves: MP3s encoded by Debian's ffmpeg
+// (libmp3lame, with the encoder-delay tag that gapless playback needs).
 #pragma once
 
 #include <cstdint>
@@ -17,8 +16,7 @@ void writeMp3(const std::string& path, const std::vector<int16_t>& samples);
 
 // The tests' sounds, made once per program, by name: "song.mp3" is 0.5 s of
 // which the first 0.25 s sound (left amplitude 16000, right 8000), then
-// silence; "song.wav" the same as PCM WAV; "song.mod" a four-channel
-// ProTracker module, one square-wave note at speed 1 (64 rows of 20 ms, about 1.3 s).
+// silence; "song.wav" the same as PCM WAV.
 std::string testSound(const std::string& name);
 
 void writeBytes(const std::string& path, const std::vector<uint8_t>& bytes);

@@ -1,65 +1,34 @@
 #include "tests/engine/scene_text.h"
 
-#include <bit>
 #include <cstdio>
+#include <map>
+#include <memory>
 #include <sstream>
-#include <stdexcept>
 
 #include "engine/world.h"
 #include "tests/support/fatal_catcher.h"
 
-std::vector<uint8_t> sceneBytes(const std::string& text, const std::map<std::string, std::string>& macros) {
-    std::vector<uint8_t> out;
-    std::vector<size_t> open;  // where each unclosed chunk's header starts
-    const auto put = [&out](uint64_t value, int bytes) {
-        for (int i = 0; i < bytes; ++i) out.push_back(static_cast<uint8_t>(value >> (8 * i)));
-    };
-    std::istringstream in(text);
-    for (std::string token; in >> token;) {
-        if (macros.contains(token)) {
-            const std::vector<uint8_t> inner = sceneBytes(macros.at(token), macros);
-            out.insert(out.end(), inner.begin(), inner.end());
-        } else if (token.size() == 5 && token[4] == '{') {
-            open.push_back(out.size());
-            put(std::stoul(token.substr(0, 4), nullptr, 16), 2);
-            put(0, 4);
-        } else if (token == "}") {
-            const uint64_t length = out.size() - open.back();
-            for (int i = 0; i < 4; ++i) out[open.back() + 2 + i] = static_cast<uint8_t>(length >> (8 * i));
-            open.pop_back();
-        } else if (token[0] == '"' || token[0] == '\'') {
-            while ((token.size() < 2 || token.back() != token[0]) && in.peek() != EOF) {
-                token += static_cast<char>(in.get());  // a name with spaces
-            }
-            out.insert(out.end(), token.begin() + 1, token.end() - 1);
-            if (token[0] == '"') out.push_back(0);
-        } else if (token[0] == 'x') {
-            const size_t star = token.find('*');
-            out.insert(out.end(), star == std::string::npos ? 1 : std::stoul(token.substr(star + 1)),
-                       static_cast<uint8_t>(std::stoul(token.substr(1, 2), nullptr, 16)));
-        } else if (token[0] == 'w' || token[0] == 'd' || token[0] == 'f') {
-            std::istringstream values(token.substr(1));
-            for (std::string value; std::getline(values, value, ',');) {
-                if (token[0] == 'f') put(std::bit_cast<uint32_t>(std::stof(value)), 4);
-                else put(std::stoul(value, nullptr, 0), token[0] == 'w' ? 2 : 4);
-            }
-        } else {
-            throw std::invalid_argument("no such token: " + token);
-        }
-    }
-    if (!open.empty()) throw std::invalid_argument("a chunk left open in: " + text);
-    return out;
-}
-
-namespace {
-
-std::string number(double value) {
+std::string numberText(double value) {
     char text[32];
     std::snprintf(text, sizeof text, "%g", value + 0.0);  // + 0.0: no "-0"
     return text;
 }
+
+std::string listText(std::initializer_list<double> values) {
+    std::string text;
+    for (double value : values) text += (text.empty() ? "(" : ",") + numberText(value);
+    return text + ")";
+}
+
+const std::map<uint32_t, std::string> MODE_NAMES = {
+    {0, "none"}, {MODE_FLAT, "MODE_FLAT"}, {MODE_SMOOTH, "MODE_SMOOTH"}, {MODE_SPHERE_MAP, "MODE_SPHERE_MAP"},
+    {MODE_WIRE, "MODE_WIRE"}, {MODE_WIRE_LIT, "MODE_WIRE_LIT"}, {MODE_TEXTURE, "MODE_TEXTURE"},
+    {MODE_TEXTURE_FLAT, "MODE_TEXTURE_FLAT"}, {MODE_TEXTURE_SMOOTH, "MODE_TEXTURE_SMOOTH"}};
+
+namespace {
+
 std::string vector3(const Vector& v, bool withW = false) {
-    return "(" + number(v.x) + "," + number(v.y) + "," + number(v.z) + (withW ? "," + number(v.w) : "") + ")";
+    return withW ? listText({v.x, v.y, v.z, v.w}) : listText({v.x, v.y, v.z});
 }
 std::string colour(Colour value) {
     char text[16];
@@ -80,9 +49,6 @@ std::string keys(const Track& track, const char* prefix) {
 }  // namespace
 
 std::string dumpWorld(const World& world) {
-    static const std::map<uint32_t, std::string> MODES = {
-        {0, "none"}, {MODE_FLAT, "MODE_FLAT"}, {MODE_SMOOTH, "MODE_SMOOTH"}, {MODE_SPHERE_MAP, "MODE_SPHERE_MAP"},
-        {MODE_WIRE, "MODE_WIRE"}, {MODE_TEXTURE, "MODE_TEXTURE"}};
     std::string out;
     for (int32_t m = 0; m < world.meshCount; ++m) {
         const MeshObject& mesh = *world.meshes[m];
@@ -92,7 +58,7 @@ std::string dumpWorld(const World& world) {
                (vector3(mesh.rotation) != "(0,0,0)" ? " rot " + vector3(mesh.rotation) : "") + "\n";
         for (int32_t i = 0; i < mesh.vertexCount; ++i) {
             const Vertex& v = mesh.vertices[i];
-            out += "  vertex " + vector3(v.position) + " normal " + vector3(v.normal) + " uv (" + number(v.u) + "," + number(v.v) + ")\n";
+            out += "  vertex " + vector3(v.position) + " normal " + vector3(v.normal) + " uv (" + numberText(v.u) + "," + numberText(v.v) + ")\n";
         }
         for (int32_t i = 0; i < mesh.faceCount; ++i) {
             const Face& f = mesh.faces[i];
@@ -106,49 +72,45 @@ std::string dumpWorld(const World& world) {
     }
     for (int32_t i = 0; i < world.materialCount; ++i) {
         const Material& m = *world.materials[i];
-        out += "material " + std::string(m.name) + " " + (MODES.contains(m.mode) ? MODES.at(m.mode) : number(m.mode)) +
+        out += "material " + std::string(m.name) + " " + (MODE_NAMES.contains(m.mode) ? MODE_NAMES.at(m.mode) : numberText(m.mode)) +
                " twosided " + std::to_string(m.twoSided) + " ambient " + colour(m.ambient) + " diffuse " + colour(m.diffuse) +
-               " specular " + colour(m.specular) + "\n";
+               " specular " + colour(m.specular) + (m.flags != MAT_OPAQUE ? " flags " + numberText(m.flags) : "") + "\n";
     }
     for (int32_t i = 0; i < world.cameraCount; ++i) {
         const Camera& c = *world.cameras[i];
         out += "camera " + std::string(c.name) + " at " + vector3(c.position) + " to " + vector3(c.target) + " fov " +
-               number(c.fov) + (world.camera == &c ? " current" : "") + "\n" + keys(*c.positionTrack, "") + keys(*c.targetTrack, "target ");
+               numberText(c.fov) + (world.camera == &c ? " current" : "") + "\n" + keys(*c.positionTrack, "") + keys(*c.targetTrack, "target ");
     }
     for (int32_t i = 0; i < world.lightCount; ++i) {
         const Light& l = *world.lights[i];
         out += "light " + std::string(l.name) + " at " + vector3(l.position) + " colour " + colour(l.colour) + " range " +
-               number(l.range) + "\n" + keys(*l.positionTrack, "");
+               numberText(l.range) + "\n" + keys(*l.positionTrack, "");
     }
     for (int32_t i = 0; i < world.spotlightCount; ++i) {
         const Spotlight& s = *world.spotlights[i];
         out += "spot " + std::string(s.name) + " at " + vector3(s.position) + " to " + vector3(s.target) + " colour " +
-               colour(s.colour) + " hotspot " + number(s.hotspot) + " falloff " + number(s.falloff) + "\n" +
+               colour(s.colour) + " hotspot " + numberText(s.hotspot) + " falloff " + numberText(s.falloff) + "\n" +
                keys(*s.positionTrack, "") + keys(*s.targetTrack, "target ");
     }
     return out + "segment " + std::to_string(world.segment->startFrame) + " " + std::to_string(world.segment->endFrame) + "\n";
 }
 
 void loadScene(World& world, const std::vector<uint8_t>& bytes, long offset) {
-    FILE* file = std::tmpfile();
+    const std::unique_ptr<FILE, int (*)(FILE*)> file(std::tmpfile(), std::fclose);  // closed when a report unwinds
     std::vector<uint8_t> stream(static_cast<size_t>(offset), 0xEE);
     stream.insert(stream.end(), bytes.begin(), bytes.end());
-    if (!stream.empty()) std::fwrite(stream.data(), 1, stream.size(), file);  // fwrite must not get a null pointer
-    std::fseek(file, offset, SEEK_SET);
-    try {
-        world.loadFromFile(file);
-    } catch (...) {
-        std::fclose(file);
-        throw;
-    }
-    std::fclose(file);
+    if (!stream.empty()) std::fwrite(stream.data(), 1, stream.size(), file.get());  // fwrite must not get a null pointer
+    std::fseek(file.get(), offset, SEEK_SET);
+    world.loadFromFile(file.get());
 }
 
-std::string loadReport(const std::vector<std::vector<uint8_t>>& loads, long offset) {
+std::string loadReport(const std::vector<std::vector<uint8_t>>& loads, long offset,
+                       const std::function<void(World&)>& after) {
     FatalCatcher catcher;
     try {
         World world;
         for (const std::vector<uint8_t>& bytes : loads) loadScene(world, bytes, offset);
+        if (after) after(world);
         return dumpWorld(world);
     } catch (const FatalError& error) {
         return "fatal " + error.caption + " " + std::to_string(error.status) + ": " + error.text;

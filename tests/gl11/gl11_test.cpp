@@ -1,13 +1,16 @@
 // gl11 built natively over OpenGL ES 3 with its deliberate mistakes
 // (gl11/faults.h) and compared with Mesa's own fixed function on the feature
-// scenes (feature_scenes.txt): every scene drawn as Mesa draws it, with the
+// scenes (tests/data/gl11/scenes.txt): every scene drawn as Mesa draws it, with the
 // same answers to glGetFloatv, and each mistake putting its scene past the
 // bound; kept vertex buffers, a context lost and given back, a shader the
 // browser refuses.
+#include <EGL/egl.h>
+#include <EGL/eglext.h>
+#include <GLES3/gl3.h>
+
 #include "app/desktop/capture/png_file.h"
 #include "gl11/faults.h"
 #include "gl11/gl11_platform.h"
-#include "tests/gl11/egl_contexts.h"
 #include "tests/gl11/scene_file.h"
 #include "tests/support/fatal_catcher.h"
 
@@ -19,6 +22,60 @@
 #include <filesystem>
 
 namespace {
+
+// The two OpenGLs are compared in one process on Mesa's surfaceless EGL (no
+// display needed): an OpenGL compatibility context, whose fixed function is
+// the reference, and an OpenGL ES 3 context for gl11, made to behave as WebGL
+// 2 does (primitive restart at the largest index, always on): the native
+// stand-in for the browser's WebGL context, and the only difference from the
+// web build. Each draws into a pbuffer of its own, SCENE_SIZE x SCENE_SIZE, 8
+// bits a channel with a 24-bit depth buffer.
+constexpr int SCENE_SIZE = 128;
+using SceneImage = std::vector<uint8_t>;  // RGBA, rows bottom up, as glReadPixels gives them
+
+EGLDisplay g_display = EGL_NO_DISPLAY;
+EGLConfig g_config = nullptr;
+EGLSurface g_surfaces[2] = {EGL_NO_SURFACE, EGL_NO_SURFACE};  // the reference's, the layer's
+EGLContext g_contexts[2] = {EGL_NO_CONTEXT, EGL_NO_CONTEXT};
+
+// A fresh context of the kind on its pbuffer, current from now on (the one of that kind before is destroyed).
+bool startContext(int which) {
+    eglMakeCurrent(g_display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+    if (g_contexts[which] != EGL_NO_CONTEXT) eglDestroyContext(g_display, g_contexts[which]);
+    eglBindAPI(which == 0 ? EGL_OPENGL_API : EGL_OPENGL_ES_API);
+    const EGLint es3[] = {EGL_CONTEXT_MAJOR_VERSION, 3, EGL_NONE};
+    g_contexts[which] = eglCreateContext(g_display, g_config, EGL_NO_CONTEXT, which == 0 ? nullptr : es3);
+    const bool current = eglMakeCurrent(g_display, g_surfaces[which], g_surfaces[which], g_contexts[which]);
+    if (current && which == 1) glEnable(GL_PRIMITIVE_RESTART_FIXED_INDEX);
+    return current;
+}
+
+// Opens the EGL display and makes both pbuffers; the reason when Mesa's
+// surfaceless EGL or either API is missing.
+std::string openEglContexts() {
+    const auto platformDisplay = reinterpret_cast<PFNEGLGETPLATFORMDISPLAYEXTPROC>(eglGetProcAddress("eglGetPlatformDisplayEXT"));
+    g_display = platformDisplay == nullptr ? EGL_NO_DISPLAY : platformDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
+    if (g_display == EGL_NO_DISPLAY || !eglInitialize(g_display, nullptr, nullptr)) return "Mesa's surfaceless EGL display does not open";
+    // As the show's window and the page's canvas: 8-bit RGB, a depth buffer, no multisampling.
+    const EGLint wanted[] = {EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RED_SIZE, 8, EGL_GREEN_SIZE, 8, EGL_BLUE_SIZE, 8,
+                             EGL_DEPTH_SIZE, 24, EGL_SAMPLES, 0, EGL_RENDERABLE_TYPE,
+                             EGL_OPENGL_BIT | EGL_OPENGL_ES3_BIT, EGL_NONE};
+    EGLint count = 0;
+    if (!eglChooseConfig(g_display, wanted, &g_config, 1, &count) || count == 0) return "no EGL configuration for OpenGL and OpenGL ES 3";
+    const EGLint size[] = {EGL_WIDTH, SCENE_SIZE, EGL_HEIGHT, SCENE_SIZE, EGL_NONE};
+    for (EGLSurface& surface : g_surfaces) surface = eglCreatePbufferSurface(g_display, g_config, size);
+    if (g_surfaces[0] == EGL_NO_SURFACE || g_surfaces[1] == EGL_NO_SURFACE) return "no EGL pbuffer";
+    return startContext(0) && startContext(1) ? "" : "no OpenGL or OpenGL ES 3 context (EGL error " + std::to_string(eglGetError()) + ")";
+}
+
+// The current context's pbuffer, once everything drawn is done.
+SceneImage readScene() {
+    SceneImage image(static_cast<size_t>(SCENE_SIZE) * SCENE_SIZE * 4);
+    glFinish();
+    glPixelStorei(GL_PACK_ALIGNMENT, 1);
+    glReadPixels(0, 0, SCENE_SIZE, SCENE_SIZE, GL_RGBA, GL_UNSIGNED_BYTE, image.data());
+    return image;
+}
 
 // Differences up to this in a channel are rounding (8-bit colours, float
 // lighting computed in another order); a pixel further apart counts.
@@ -35,10 +92,9 @@ constexpr int MAX_PIXELS_APART = 32;
 // Pixels with a channel more than PIXEL_TOLERANCE apart, and the largest difference of a channel.
 std::pair<int, int> compare(const SceneImage& a, const SceneImage& b) {
     std::pair<int, int> apart;
-    for (size_t pixel = 0; pixel < a.rgba.size(); pixel += 4) {
-        const int largest = std::max({std::abs(a.rgba[pixel] - b.rgba[pixel]),
-                                      std::abs(a.rgba[pixel + 1] - b.rgba[pixel + 1]),
-                                      std::abs(a.rgba[pixel + 2] - b.rgba[pixel + 2])});
+    for (size_t pixel = 0; pixel < a.size(); pixel += 4) {
+        const int largest = std::max({std::abs(a[pixel] - b[pixel]), std::abs(a[pixel + 1] - b[pixel + 1]),
+                                      std::abs(a[pixel + 2] - b[pixel + 2])});
         apart = {apart.first + (largest > PIXEL_TOLERANCE ? 1 : 0), std::max(apart.second, largest)};
     }
     return apart;
@@ -58,29 +114,23 @@ std::string keep(const std::string& name, const SceneImage& mesa, const SceneIma
     std::filesystem::create_directories(KASKADE_SCENE_SHEETS);
     const std::string path = std::string(KASKADE_SCENE_SHEETS) + "/" + name;
     std::string error;
-    writePng(path + "-mesa.png", SCENE_SIZE, SCENE_SIZE, 4, mesa.rgba.data(), true, 1, &error);
-    writePng(path + "-gl11.png", SCENE_SIZE, SCENE_SIZE, 4, layer.rgba.data(), true, 1, &error);
+    writePng(path + "-mesa.png", SCENE_SIZE, SCENE_SIZE, 4, mesa.data(), true, 1, &error);
+    writePng(path + "-gl11.png", SCENE_SIZE, SCENE_SIZE, 4, layer.data(), true, 1, &error);
     return "Mesa's frame and gl11's in " + path + "-*.png";
 }
 
 class Gl11 : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
-        std::string why;
-        ASSERT_TRUE(openEglContexts(&why)) << why;
-        ASSERT_TRUE(readScenes(KASKADE_FEATURE_SCENES, &scenes, &why)) << why;
+        ASSERT_EQ(openEglContexts(), "");
+        scenes = readScenes();
     }
     void TearDown() override { gl11SetFault(Gl11Fault::None); }
 
-    static SceneImage drawReference(const Scene& scene, SceneRun* run) {
-        startReferenceContext();
-        reference_scenes::drawScene(scene, run);
-        return readScene();
-    }
     // On a fresh context, or `again` on the layer's context as it is.
     static SceneImage drawLayer(const Scene& scene, SceneRun* run, bool again = false) {
         if (!again) {
-            startLayerContext();
+            startContext(1);
             gl11Init();
         }
         layer_scenes::drawScene(scene, run);
@@ -94,7 +144,9 @@ TEST_F(Gl11, DrawsEverySceneAsMesaDoesAndEachMistakeMovesItsScenePastTheBound) {
     std::vector<bool> shown(static_cast<size_t>(Gl11Fault::Count));
     for (const Scene& scene : scenes) {
         SceneRun reference, layer;
-        const SceneImage mesa = drawReference(scene, &reference);
+        startContext(0);
+        reference_scenes::drawScene(scene, &reference);
+        const SceneImage mesa = readScene();
         const SceneImage drawn = drawLayer(scene, &layer);
         ASSERT_EQ(reference.error + layer.error, "");
         EXPECT_LE(pixelsApart(scene, "", mesa, drawn), MAX_PIXELS_APART) << scene.name << ": " << keep(scene.name, mesa, drawn);
@@ -134,7 +186,7 @@ TEST_F(Gl11, KeptBatchesAndAContextGivenBackDrawTheSameFrame) {
     drawLayer(scene, &run, true);
     EXPECT_EQ(compare(first, drawLayer(scene, &run, true)).second, 0);
     EXPECT_EQ(gl11LastFrameCounts().streamedBytes, 0u) << "drawn from kept buffers";
-    startLayerContext();
+    startContext(1);
     gl11ContextRestored();
     for (const char* when : {"after the loss", "the frame after"}) {
         EXPECT_EQ(compare(first, drawLayer(scene, &run, true)), std::pair(0, 0)) << when;

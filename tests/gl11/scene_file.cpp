@@ -14,10 +14,10 @@
 
 #include "tests/gl11/scene_file.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
-#include <fstream>
 #include <functional>
 #include <map>
 #include <sstream>
@@ -42,53 +42,15 @@ const std::map<std::string, float> NAMES = {
 
 }  // namespace
 
-bool readScenes(const std::string& path, std::vector<Scene>* scenes, std::string* error) {
-    std::ifstream file(path);
-    std::map<std::string, std::vector<SceneCall>> parts;
-    std::vector<SceneCall>* into = nullptr;  // the calls of the scene or part being read
-    std::string text;
-    for (int line = 1; std::getline(file, text); ++line) {
-        std::istringstream calls(text.substr(0, text.find('#')));
-        for (std::string call; std::getline(calls, call, ';');) {
-            std::istringstream words(call);
-            std::string name, word;
-            auto fail = [&](const std::string& what) {
-                *error = path + ":" + std::to_string(line) + ": " + what;
-                return false;
-            };
-            if (!(words >> name)) {
-                continue;
-            } else if (name == "scene") {
-                into = &scenes->emplace_back(Scene{words >> word ? word : "", {}, {}}).calls;
-                while (words >> word) {
-                    scenes->back().mistakes.push_back(word);
-                }
-            } else if (name == "part") {
-                into = &parts[words >> word ? word : ""];
-            } else if (into == nullptr) {
-                return fail("a call before the first scene");
-            } else if (name == "use") {
-                if (!(words >> word) || !parts.contains(word)) {
-                    return fail("no part " + word);
-                }
-                into->insert(into->end(), parts[word].begin(), parts[word].end());
-            } else {
-                SceneCall& out = into->emplace_back(SceneCall{name, {}, line});
-                while (words >> word) {
-                    char* end = nullptr;
-                    const float number = std::strtof(word.c_str(), &end);
-                    if (*end != '\0' && !NAMES.contains(word)) {
-                        return fail("neither a number nor a name: " + word);
-                    }
-                    out.args.push_back(*end == '\0' ? number : NAMES.at(word));
-                }
-            }
-        }
+float sceneName(const std::string& word) { return NAMES.contains(word) ? NAMES.at(word) : NAN; }
+
+std::vector<Scene> readScenes() {
+    std::vector<Scene> scenes;
+    for (const TextCase& c : readTextCases("gl11/scenes.txt")) {
+        const std::vector<std::string> w = words(c.what);
+        scenes.push_back({w.at(0), {w.begin() + 1, w.end()}, c});
     }
-    if (scenes->empty()) {
-        *error = path + ": no scenes";
-    }
-    return !scenes->empty();
+    return scenes;
 }
 #endif
 
@@ -109,9 +71,7 @@ void sphere(float radius, int slices, int stacks, bool painted) {
         const float phi = 2.0f * PI * static_cast<float>(slice) / static_cast<float>(slices);  // 0 towards +z
         const float n[3] = {std::sin(theta) * std::sin(phi), std::cos(theta), std::sin(theta) * std::cos(phi)};
         auto channel = [](float unit) { return static_cast<float>(std::lround(127.5f + 127.0f * unit)); };
-        if (painted) {
-            colour(channel(n[0]), channel(n[1]), channel(n[2]));
-        }
+        if (painted) colour(channel(n[0]), channel(n[1]), channel(n[2]));
         glNormal3f(n[0], n[1], n[2]);
         glVertex3f(radius * n[0], radius * n[1], radius * n[2]);
     };
@@ -120,9 +80,7 @@ void sphere(float radius, int slices, int stacks, bool painted) {
             const int triangles[2][3][2] = {{{i, j}, {i + 1, j}, {i + 1, j + 1}}, {{i, j}, {i + 1, j + 1}, {i, j + 1}}};
             for (const auto& triangle : triangles) {
                 glBegin(GL_POLYGON);
-                for (const auto& [stack, slice] : triangle) {
-                    vertex(stack, slice);
-                }
+                for (const auto& [stack, slice] : triangle) vertex(stack, slice);
                 glEnd();
             }
         }
@@ -140,9 +98,7 @@ void grid(float x0, float y0, float x1, float y1, float z, int cells) {
             const float x = x0 + dx * static_cast<float>(j);
             const float y = y0 + dy * static_cast<float>(i);
             const float corners[4][2] = {{x, y}, {x + dx, y}, {x + dx, y + dy}, {x, y + dy}};
-            for (const auto& [cx, cy] : corners) {
-                glVertex3f(cx, cy, z);
-            }
+            for (const auto& [cx, cy] : corners) glVertex3f(cx, cy, z);
         }
     }
     glEnd();
@@ -243,18 +199,37 @@ void drawScene(const Scene& scene, SceneRun* run) {
 #undef E1
 #undef F3
 #undef I4
-    for (const SceneCall& call : scene.calls) {
-        std::vector<float> args = call.args;
-        args.resize(args.size() + 16);
-        a = args.data();
-        n = call.args.size();
-        const auto found = calls.find(call.name);
-        if (found == calls.end()) {
-            run->error = scene.name + ", line " + std::to_string(call.line) + ": no call named " + call.name;
-            return;
+    // The calls of `text`, separated by ';' and lines, "#" starting a comment;
+    // "use NAME" makes the calls of the define NAME.
+    const std::function<void(const std::string&)> make = [&](const std::string& text) {
+        std::istringstream lines(text);
+        for (std::string line; std::getline(lines, line);) {
+            std::istringstream in(line.substr(0, line.find('#')));
+            for (std::string call; std::getline(in, call, ';');) {
+                const std::vector<std::string> w = words(call);
+                if (w.size() == 2 && w[0] == "use" && scene.text.macros.contains(w[1])) {
+                    make(scene.text.macros.at(w[1]));
+                    continue;
+                }
+                std::vector<float> args;
+                for (size_t k = 1; k < w.size(); ++k) {
+                    char* end = nullptr;
+                    const float number = std::strtof(w[k].c_str(), &end);
+                    args.push_back(*end == '\0' ? number : sceneName(w[k]));
+                }
+                n = args.size();
+                const auto found = w.empty() ? calls.end() : calls.find(w[0]);
+                if (!w.empty() && (found == calls.end() || std::any_of(args.begin(), args.end(), [](float v) { return std::isnan(v); }))) {
+                    run->error += scene.name + ": no such call or name in: " + call + "\n";
+                } else if (!w.empty()) {
+                    args.resize(n + 16);
+                    a = args.data();
+                    found->second();
+                }
+            }
         }
-        found->second();
-    }
+    };
+    make(scene.text.input);
 }
 
 }  // namespace SCENES_NAMESPACE

@@ -1,4 +1,4 @@
-// The feature scenes (tests/gl11/feature_scenes.txt): one small scene per
+// The feature scenes (tests/data/gl11/scenes.txt): one small scene per
 // OpenGL 1.1 feature the show draws with, a list of calls read once and sent
 // to either OpenGL by scene_file.cpp, which is compiled twice: over the
 // system's OpenGL and GLU, as the desktop draws, and over gl11, as the
@@ -8,24 +8,23 @@
 #include <string>
 #include <vector>
 
-struct SceneCall {
-    std::string name;
-    std::vector<float> args;  // numbers, GL names as their values
-    int line;
-};
+#include "tests/engine/text_cases.h"
 
 struct Scene {
     std::string name;
     std::vector<std::string> mistakes;  // gl11's deliberate mistakes (gl11/faults.h) it shows
-    std::vector<SceneCall> calls;
+    TextCase text;                      // its calls, and the defines it may use
 };
 
-// Reads the file's scenes; false with the file and line it cannot read in *error.
-bool readScenes(const std::string& path, std::vector<Scene>* scenes, std::string* error);
+// The file's scenes.
+std::vector<Scene> readScenes();
+
+// The value of a GL name the file may use (without GL_), NaN for none.
+float sceneName(const std::string& word);
 
 // What one drawing of a scene leaves: its texture names (a run that has them
 // binds them instead of making new ones), every value glGetFloatv answered,
-// and a call the file names that there is none of.
+// and the calls and names the file gives that there are none of.
 struct SceneRun {
     std::vector<unsigned> textures;
     std::vector<float> answers;

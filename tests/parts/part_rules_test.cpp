@@ -1,7 +1,6 @@
 // The parts' rules without a context: part 1's beat reveal, part 7's loudness
-// bands, part 6's sprite depths and the wave heights, call by call from
-// tests/data/parts/rules.txt; the wave map filled (only the height byte of each
-// cell, row after row, at the part time) and a mesh displaced by it.
+// bands, part 6's sprite depths, the wave map's heights, its filling and a
+// mesh displaced by it, call by call from tests/data/parts/rules.txt.
 #include "parts/beat_reveal.h"
 #include "parts/loudness_bands.h"
 #include "parts/sprite_stream.h"
@@ -9,26 +8,24 @@
 
 #include "app/sequencer.h"
 #include "engine/world.h"
-#include "tests/support/fatal_catcher.h"
+#include "tests/engine/text_cases.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
-#include <fstream>
-#include <limits>
-#include <sstream>
 #include <tuple>
 #include <vector>
 
 namespace {
 
 // Part 1's reveal over a World of `meshes` empty meshes, hidden from index 3 on
-// as its set-up leaves them.
+// as its set-up leaves them; a sum below 0 is no frame: someone else hides the
+// mesh revealed last, leaving another flag (0x80) on it.
 struct Reveal {
     World world;
     int32_t index = 3;
     int32_t armed = 1;
+    std::vector<int32_t> others;
     explicit Reveal(int meshes) {
         for (int i = 0; i < meshes; ++i) {
             world.addMesh(new MeshObject);
@@ -36,120 +33,70 @@ struct Reveal {
         }
     }
     void frames(const std::vector<double>& levelSums) {
-        for (double sum : levelSums) revealOnBeat(world, static_cast<uint32_t>(sum), &index, &armed);
+        for (double sum : levelSums) {
+            if (sum < 0) {
+                world.meshes[others.emplace_back(index)]->flags = 0x80;
+            } else {
+                revealOnBeat(world, static_cast<uint32_t>(sum), &index, &armed);
+            }
+        }
     }
 };
 
 TEST(PartRules, CallsGiveTheirResults) {
-    std::ifstream file(testDataPath("parts/rules.txt"));
-    int number = 0, calls = 0;
-    for (std::string line; std::getline(file, line);) {
-        ++number;
-        if (line.empty() || line[0] == '#') continue;
-        SCOPED_TRACE("rules.txt:" + std::to_string(number) + ": " + line);
-        ++calls;
-        std::istringstream words(line);
-        std::string name, word;
+    const std::vector<TextCase> calls = readTextCases("parts/rules.txt");
+    for (const TextCase& call : calls) {
+        SCOPED_TRACE(::testing::PrintToString(call));
+        const std::vector<std::string> w = words(call.input);
         std::vector<double> args, want;
-        std::vector<double>* into = &args;
-        for (words >> name; words >> word;) {
-            if (word == "->") into = &want;
-            else into->push_back(std::stod(word));
-        }
-        if (name == "reveal") {
+        for (size_t i = 1; i < w.size(); ++i) args.push_back(std::stod(w[i]));
+        for (const std::string& word : words(call.expected)) want.push_back(word == "ok" ? 0 : std::stod(word));
+        if (w[0] == "reveal") {
             Reveal reveal(static_cast<int>(args[0]));
             reveal.frames({args.begin() + 1, args.end()});
             EXPECT_EQ(std::vector<double>({static_cast<double>(reveal.index), static_cast<double>(reveal.armed)}), want);
             for (int i = 0; i < reveal.world.meshCount; ++i) {  // mesh 3 is never shown
-                EXPECT_EQ((reveal.world.meshes[i]->flags & MESH_VISIBLE) != 0, i < 3 || (i > 3 && i <= reveal.index)) << i;
+                const bool shown = i < 3 || (i > 3 && i <= reveal.index), other = std::ranges::count(reveal.others, i) > 0;
+                EXPECT_EQ(reveal.world.meshes[i]->flags, (shown ? MESH_VISIBLE : 0) | (other ? 0x80 : 0)) << i;
             }
-        } else if (name == "loudness") {
+        } else if (w[0] == "loudness") {
             EXPECT_EQ(loudnessSelection(static_cast<uint32_t>(args[0]), static_cast<int32_t>(args[1])), want[0]);
-        } else if (name == "depth") {
+        } else if (w[0] == "depth") {
             EXPECT_EQ(spriteDepth(static_cast<int>(args[0]), static_cast<float>(args[1])), want[0]);
-        } else if (name == "height") {
+        } else if (w[0] == "height") {
             EXPECT_EQ(waveHeight(static_cast<int>(args[0]), static_cast<int>(args[1]), args[2], args[3]), want[0]);
+        } else if (w[0] == "fill" || w[0] == "displace") {
+            std::vector<uint8_t> map(WAVE_MAP_BYTES, 0xAB);
+            const auto cell = [&map](int row, int column) -> uint8_t& { return map[(row * 64 + column) * 4 + WAVE_MAP_HEIGHT_BYTE]; };
+            g_waveMap = map.data();
+            if (w[0] == "fill") {  // every byte as it must be: "ok", or the first that is not
+                g_partTime = static_cast<float>(args[0]);
+                fillWaveMap(args[1]);
+                std::string result = "ok";
+                for (size_t i = map.size(); i-- > 0;) {
+                    const int row = static_cast<int>(i / 256), column = static_cast<int>(i / 4 % 64);
+                    const int right = i % 4 == WAVE_MAP_HEIGHT_BYTE ? waveHeight(row, column, args[1], args[0]) : 0xAB;
+                    result = map[i] == right ? result : "byte " + std::to_string(i) + ": " + std::to_string(map[i]);
+                }
+                EXPECT_EQ(result, call.expected);
+            } else {  // vertex 0 at (U, V) displaced, vertex 1 past the rest shape's vertices kept
+                std::tie(cell(0, 0), cell(0, 63), cell(63, 0), cell(63, 63), cell(16, 32), cell(32, 16)) = std::tuple(1, 2, 3, 255, 200, 10);
+                MeshObject mesh, rest;
+                const Vertex at{{7.0f, 7.0f, 7.0f, 42.0f}, {}, static_cast<float>(args[0]), static_cast<float>(args[1])};
+                std::tie(mesh.vertexCount, mesh.vertices, rest.vertexCount, rest.vertices) =
+                    std::tuple(2, new Vertex[2]{at, at}, 1, new Vertex[1]{{{1.0f, -2.0f, 10.0f, 0.0f}, {}, 0.0f, 0.0f}});
+                displaceMesh(mesh, rest, 0.015);
+                const double s = want[0] * 0.015;
+                const Vector &p = mesh.vertices[0].position, &kept = mesh.vertices[1].position;
+                EXPECT_EQ(std::vector<float>({p.x, p.y, p.z, p.w, kept.x, kept.y, kept.z, kept.w}),
+                          std::vector<float>({static_cast<float>(s), static_cast<float>(s * -2.0), static_cast<float>(s * 10.0), 42, 7, 7, 7, 42}));
+            }
+            g_waveMap = nullptr;
         } else {
             ADD_FAILURE() << "no such call";
         }
     }
-    EXPECT_GT(calls, 40);
-}
-
-TEST(PartRules, ARevealedMeshHiddenBySomeoneElseComesBackOnTheNextBeatWithItsOtherFlags) {
-    Reveal reveal(6);
-    reveal.frames({60, 0, 60});
-    ASSERT_EQ(reveal.index, 5);
-    reveal.world.meshes[5]->flags = 0x80;
-    reveal.frames({0, 60});
-    EXPECT_EQ(reveal.index, 5);
-    EXPECT_EQ(reveal.world.meshes[5]->flags, 0x80 | MESH_VISIBLE);
-}
-
-// A map of known bytes in place of g_waveMap while a test runs.
-class WaveMap : public ::testing::Test {
-protected:
-    void SetUp() override {
-        g_waveMap = map.data();
-        g_partTime = 0.0f;
-    }
-    void TearDown() override { g_waveMap = nullptr; }
-    uint8_t& cell(int row, int column, int byte = WAVE_MAP_HEIGHT_BYTE) { return map[(row * 64 + column) * 4 + byte]; }
-    std::vector<uint8_t> map = std::vector<uint8_t>(WAVE_MAP_BYTES, 0xAB);
-};
-
-TEST_F(WaveMap, FillWritesOnlyTheHeightByteOfEachCellRowAfterRowAtThePartTime) {
-    fillWaveMap(0.1);
-    // With time 0 a cell of column 0 is flat (sin 0) and row 0 takes the column wave whole.
-    EXPECT_EQ(cell(10, 0), 128);
-    EXPECT_EQ(cell(0, 10), static_cast<int>((std::sin(1.0) + 1.0) * 128.0));
-
-    g_partTime = 584.25f;
-    fillWaveMap(0.2);
-    for (int row = 0; row < 64; ++row) {
-        for (int column = 0; column < 64; ++column) {
-            ASSERT_EQ(cell(row, column), waveHeight(row, column, 0.2, 584.25));
-            for (int byte : {0, 1, 3}) {
-                ASSERT_EQ(cell(row, column, byte), 0xAB) << row << " " << column;
-            }
-        }
-    }
-}
-
-TEST_F(WaveMap, DisplacementScalesTheRestPositionByTheClampedCellUnderTheVertex) {
-    std::tie(cell(0, 0), cell(0, 63), cell(63, 0), cell(63, 63)) = std::tuple(1, 2, 3, 255);
-    std::tie(cell(16, 32), cell(32, 16)) = std::tuple(200, 10);  // row from v, column from u
-    const float nan = std::numeric_limits<float>::quiet_NaN();
-    const float huge = std::numeric_limits<float>::infinity();
-    // u = 1.0 is column 64: the last; not a number is column 0, an infinite v
-    // the last row; -0.64 truncates toward zero; the last vertex is past the
-    // rest shape's count and keeps its position.
-    const struct { float u, v; int height; } vertices[] = {
-        {0.0f, 0.0f, 1}, {0.5f, 0.25f, 200}, {0.25f, 0.5f, 10}, {0.999f, 0.999f, 255}, {1.0f, 0.0f, 2},
-        {0.0f, 1.0f, 3}, {2.5f, 7.0f, 255},  {-0.5f, -3.0f, 1}, {nan, huge, 3},        {-0.01f, 0.0f, 1},
-        {0.5f, 0.25f, -1}};
-    const int count = static_cast<int>(std::size(vertices));
-    MeshObject mesh;
-    MeshObject rest;
-    mesh.vertexCount = count;
-    mesh.vertices = new Vertex[count];
-    for (int k = 0; k < count; ++k) {
-        mesh.vertices[k] = Vertex{{7.0f, 7.0f, 7.0f, 42.0f}, {}, vertices[k].u, vertices[k].v};
-    }
-    rest.vertexCount = count - 1;
-    rest.vertices = new Vertex[count - 1];
-    std::fill_n(rest.vertices, count - 1, Vertex{{1.0f, -2.0f, 10.0f, 0.0f}, {}, 0.0f, 0.0f});
-    displaceMesh(mesh, rest, 0.015);
-
-    for (int k = 0; k < count; ++k) {
-        const Vector& p = mesh.vertices[k].position;
-        const double s = vertices[k].height * 0.015;
-        const bool displaced = k < count - 1;
-        EXPECT_EQ(p.x, displaced ? static_cast<float>(s) : 7.0f) << k;
-        EXPECT_EQ(p.y, displaced ? static_cast<float>(s * -2.0) : 7.0f) << k;
-        EXPECT_EQ(p.z, displaced ? static_cast<float>(s * 10.0) : 7.0f) << k;
-        EXPECT_EQ(p.w, 42.0f) << k;
-    }
+    EXPECT_GT(calls.size(), 40u);
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 // The parts' draw steps in a real context on hand-built Worlds, the demo clock
 // and music levels driven by the test: what a frame hands to the renderer and
-// the overlays (tests/parts/frame_recorder.h) against the cases of
+// the overlays against the cases of
 // tests/data/parts/frames.txt, the sequencer's counter at the end times; a
 // scene short of what its part draws ending the show at the set-up.
 #include "parts/part_state.h"
@@ -10,26 +10,131 @@
 
 #include "app/sequencer.h"
 #include "app/shell.h"
+#include "base/gl.h"
 #include "audio/clock.h"
 #include "audio/music.h"
 #include "engine/world.h"
+#include "resources/archive_format.h"
 #include "resources/library.h"
 #include "resources/texture.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
+#include <cstdio>
+#include <map>
 #include <cstdlib>
-#include <fstream>
 #include <sstream>
 #include <utility>
 
-#include "tests/parts/frame_recorder.h"
+#include "tests/engine/scene_text.h"
+#include "tests/engine/text_cases.h"
 #include "tests/renderer/test_worlds.h"
 #include "tests/resources/gl_test_window.h"
 #include "tests/resources/resource_test_files.h"
 #include "tests/support/fatal_catcher.h"
+
+// What a draw step hands to the renderer and the overlays is written down on
+// its way there (the line format: tests/data/parts/frames.txt): this program
+// links World::render, drawOverlayAdd and drawOverlayDarken with --wrap, so
+// every call still draws.
+namespace {
+
+std::string g_lines;
+std::string g_lastOverlay;  // the last line's overlay and corners, while it is an overlay
+std::map<const Texture*, std::string> g_textureNames;
+
+void addLine(const std::string& line) {
+    g_lines += line + "\n";
+    g_lastOverlay.clear();
+}
+
+std::string vector3(const Vector& v) { return listText({v.x, v.y, v.z}); }
+
+std::string fog() {
+    if (!glIsEnabled(GL_FOG)) return "no fog";
+    GLint mode = 0;
+    GLfloat c[4], density = 0;
+    glGetIntegerv(GL_FOG_MODE, &mode);
+    glGetFloatv(GL_FOG_COLOR, c);
+    glGetFloatv(GL_FOG_DENSITY, &density);
+    return (mode == GL_EXP ? "fog exp " : "fog (not exp) ") + listText({c[0], c[1], c[2], c[3]}) + " " + numberText(density);
+}
+
+const std::map<uint32_t, const char*> FLAGS = {{MAT_OPAQUE, "MAT_OPAQUE"}, {MAT_ADD, "MAT_ADD"}, {MAT_DARKEN, "MAT_DARKEN"},
+                                               {MAT_ALPHA, "MAT_ALPHA"}, {MAT_LINEAR, "MAT_LINEAR"}, {MAT_NO_DEPTH, "MAT_NO_DEPTH"}};
+
+void writeMesh(const MeshObject& mesh, const Material& material) {
+    char colour[16];
+    std::snprintf(colour, sizeof colour, " 0x%08X ", material.diffuse);
+    std::string line = std::string("mesh ") +
+                       (MODE_NAMES.contains(material.mode) ? MODE_NAMES.at(material.mode) : numberText(material.mode)) + colour;
+    for (const auto& [bit, name] : FLAGS) line += material.flags & bit ? std::string(name) + "|" : "";
+    line.pop_back();  // the last '|', or the space before no flags
+    const std::string scale = vector3(mesh.scale), rotation = vector3(mesh.rotation), move = vector3(mesh.translation);
+    line += scale != "(1,1,1)" ? " scale " + scale : "";
+    line += rotation != "(0,0,0)" ? " rot " + rotation : "";
+    line += move != "(0,0,0)" ? " move " + move : "";
+    addLine(line);
+}
+
+void writeOverlay(const char* function, const Texture* texture, int x0, int y0, int x1, int y1, int z) {
+    const auto name = g_textureNames.find(texture);
+    const std::string shape = std::string("overlay ") + function + " " +
+                              (name != g_textureNames.end() ? name->second : "(unnamed)") + " " +
+                              listText({x0 + 0.0, y0 + 0.0}) + "-" + listText({x1 + 0.0, y1 + 0.0});
+    if (shape == g_lastOverlay) {
+        g_lines.insert(g_lines.size() - 1, " " + std::to_string(z));  // before the line's '\n'
+    } else {
+        addLine(shape + " " + std::to_string(z));
+    }
+    g_lastOverlay = shape;
+}
+
+void startFrameRecording() {
+    g_lines.clear();
+    g_lastOverlay.clear();
+}
+
+std::string frameRecording() { return g_lines; }
+
+void nameRecordedTexture(const Texture* texture, const std::string& name) { g_textureNames[texture] = name; }
+
+}  // namespace
+
+// The wrapped functions by their linker names: World::render() and the two
+// overlay functions (Texture*, int x0, int y0, int x1, int y1, int z).
+extern "C" {
+
+void __real__ZN5World6renderEv(World* world);
+void __wrap__ZN5World6renderEv(World* world) {
+    std::string line = "render, " + fog() + ", lights";
+    for (int32_t i = 0; i < world->lightCount; ++i) line += " " + vector3(world->lights[i]->position);
+    if (world->camera != nullptr) {
+        addLine(line + ", camera " + vector3(world->camera->position) + " to " + vector3(world->camera->target));
+        for (int32_t i = 0; i < world->meshCount; ++i) {
+            const MeshObject& mesh = *world->meshes[i];
+            if ((mesh.flags & MESH_VISIBLE) && mesh.faceCount > 0 && mesh.faces[0].material != nullptr) {
+                writeMesh(mesh, *mesh.faces[0].material);
+            }
+        }
+    }
+    __real__ZN5World6renderEv(world);
+}
+
+void __real__Z14drawOverlayAddP7Textureiiiii(Texture* texture, int x0, int y0, int x1, int y1, int z);
+void __wrap__Z14drawOverlayAddP7Textureiiiii(Texture* texture, int x0, int y0, int x1, int y1, int z) {
+    writeOverlay("add", texture, x0, y0, x1, y1, z);
+    __real__Z14drawOverlayAddP7Textureiiiii(texture, x0, y0, x1, y1, z);
+}
+
+void __real__Z17drawOverlayDarkenP7Textureiiiii(Texture* texture, int x0, int y0, int x1, int y1, int z);
+void __wrap__Z17drawOverlayDarkenP7Textureiiiii(Texture* texture, int x0, int y0, int x1, int y1, int z) {
+    writeOverlay("darken", texture, x0, y0, x1, y1, z);
+    __real__Z17drawOverlayDarkenP7Textureiiiii(texture, x0, y0, x1, y1, z);
+}
+
+}  // extern "C"
 
 namespace {
 
@@ -44,15 +149,11 @@ World* makeWorld(int meshes, std::initializer_list<const char*> materials, std::
     addTestCamera(*world);
     world->addLight("key", 10, 20, 30, 255, 255, 255, 1000.0f);
     world->addLight("fill", -10, 40, -30, 128, 128, 128, 1000.0f);
-    for (const char* name : materials) {
-        addTestMaterial(*world, name, MODE_FLAT, 0xFF00FF00);
-    }
+    for (const char* name : materials) addTestMaterial(*world, name, MODE_FLAT, 0xFF00FF00);
     for (int i = 0; i < meshes; ++i) {
         addTestSquare(*world, world->materials[i % world->materialCount], 5.0f, static_cast<float>(-10 * i));
     }
-    for (int mesh : hidden) {
-        world->meshes[mesh]->flags &= static_cast<uint8_t>(~MESH_VISIBLE);
-    }
+    for (int mesh : hidden) world->meshes[mesh]->flags &= static_cast<uint8_t>(~MESH_VISIBLE);
     return world;
 }
 
@@ -96,9 +197,7 @@ const std::pair<Texture**, const char*> TEXTURES[] = {
 class PartSteps : public ::testing::Test {
 protected:
     void SetUp() override {
-        if (!openGlTestWindow()) {
-            GTEST_SKIP() << "no display: run under xvfb-run";
-        }
+        if (!openGlTestWindow()) GTEST_SKIP() << "no display: run under xvfb-run";
         setShowStartState();
         glDisable(GL_FOG);
         g_millisecondClock = [] { return g_fakeMillis; };
@@ -139,9 +238,7 @@ protected:
         g_millisecondClock = monotonicMillis;
         g_levelSource = audioChannelGetLevel;
         g_partCounter = 0;
-        for (World** world : WORLDS) {
-            delete std::exchange(*world, nullptr);
-        }
+        for (World** world : WORLDS) delete std::exchange(*world, nullptr);
         for (const auto& [texture, name] : TEXTURES) {
             if (*texture != nullptr) {
                 glDeleteTextures(1, &(*texture)->id);
@@ -153,44 +250,14 @@ protected:
     }
 };
 
-// Whether `line` holds `pattern`: "^x" begins it, "x$" ends it, any other is in it.
-bool holds(const std::string& line, const std::string& pattern) {
-    if (pattern[0] == '^') return line.starts_with(pattern.substr(1));
-    if (pattern.back() == '$') return line.ends_with(pattern.substr(0, pattern.size() - 1));
-    return line.find(pattern) != std::string::npos;
-}
-
-// One case of frames.txt: its line of steps and the lines expected.
-struct FrameCase {
-    int line;
-    std::string steps, expected;
-};
-void PrintTo(const FrameCase& c, std::ostream* out) { *out << "frames.txt:" << c.line << ": " << c.steps; }
-
-std::vector<FrameCase> readFrameCases() {
-    std::ifstream file(testDataPath("parts/frames.txt"));
-    std::vector<FrameCase> cases;
-    int number = 0;
-    for (std::string line; std::getline(file, line);) {
-        ++number;
-        if (line.rfind("part ", 0) == 0) {
-            cases.push_back({number, line, ""});
-        } else if (!line.empty() && line[0] != '#' && !cases.empty()) {
-            cases.back().expected += line + "\n";
-        }
-    }
-    return cases;
-}
-
-class DrawStep : public PartSteps, public ::testing::WithParamInterface<FrameCase> {};
+class DrawStep : public PartSteps, public ::testing::WithParamInterface<TextCase> {};
 
 TEST_P(DrawStep, HandsTheRendererAndTheOverlaysWhatItsPartDraws) {
     void (*const STEPS[])() = {drawPart1, drawPart2, drawPart3,  drawPart4,  drawPart5,  drawPart6, drawPart7,
                                drawPart8, drawPart9, drawPart10, drawPart11, drawPart12, drawPart13};
-    std::istringstream steps(GetParam().steps);
+    std::istringstream steps(GetParam().input);
     void (*step)() = nullptr;
     std::string word, recorded;
-    std::vector<std::string> only;
     float end = -1.0f;
     while (steps >> word) {
         int number = 0;
@@ -206,24 +273,15 @@ TEST_P(DrawStep, HandsTheRendererAndTheOverlaysWhatItsPartDraws) {
         } else if (word == "fog") {
             glEnable(GL_FOG);
         } else if (word == "at" && steps >> time) {
-            if (steps.peek() == '/') {
-                steps >> slash >> left >> slash >> right;
-            }
+            if (steps.peek() == '/') steps >> slash >> left >> slash >> right;
             recorded = frameAt(step, time, left, right);
-        } else if (word == "only" && steps >> word) {
-            only.push_back(word);
         } else if (word == "ends") {
             steps >> end;
         } else {
             FAIL() << "unknown step " << word;
         }
     }
-    std::istringstream lines(recorded);
-    std::string kept;
-    for (std::string line; std::getline(lines, line);) {
-        kept += only.empty() || std::ranges::any_of(only, [&line](const std::string& p) { return holds(line, p); }) ? line + "\n" : "";
-    }
-    EXPECT_EQ(kept, GetParam().expected);
+    EXPECT_EQ(comparedLines(GetParam(), recorded), GetParam().expected);
     if (end >= 0.0f) {
         const int32_t counter = g_partCounter;
         g_frameCount = 0;
@@ -235,20 +293,18 @@ TEST_P(DrawStep, HandsTheRendererAndTheOverlaysWhatItsPartDraws) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Frames, DrawStep, ::testing::ValuesIn(readFrameCases()),
-                         [](const auto& info) { return "line" + std::to_string(info.param.line); });
+INSTANTIATE_TEST_SUITE_P(Frames, DrawStep, ::testing::ValuesIn(readTextCases("parts/frames.txt")), caseName);
 
 TEST_F(PartSteps, ASceneShortOfWhatItsPartUsesEndsTheShowAtTheSetUp) {
     WorkingTempDir directory;
-    if (g_library == nullptr) {
-        g_library = new Library;
-    }
+    g_library = g_library != nullptr ? g_library : new Library;
     // An exporter's scene with nine meshes and no camera, where part 8 needs one.
-    writeBytes("3d", buildArchive({{"5d.3ds", readBytes(testDataPath("3ds/test1.3ds"))}}));
+    std::vector<uint8_t> archive, scene = readBytes(testDataPath("3ds/test1.3ds"));
+    appendArchiveEntry(archive, "5d.3ds", scene.data(), scene.size(), nullptr);
+    writeBytes("3d", archive);
     delete std::exchange(g_world5d, nullptr);
     const FatalError error = expectFatal([] { setupPart8(); });
-    EXPECT_EQ(error.caption, "tessel openGL engine");
-    EXPECT_EQ(error.status, 1);
+    EXPECT_EQ(std::pair(error.caption, error.status), std::pair(std::string("tessel openGL engine"), 1));
     g_library->close();
 
     // Too few meshes or lights, or a rest shape of another size than its wave mesh.

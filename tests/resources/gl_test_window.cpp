@@ -35,8 +35,6 @@ uint64_t backBufferHash() {
     glReadBuffer(GL_BACK);
     glReadPixels(0, 0, 640, 480, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
     uint64_t hash = 14695981039346656037ull;
-    for (uint8_t byte : pixels) {
-        hash = (hash ^ byte) * 1099511628211ull;
-    }
+    for (uint8_t byte : pixels) hash = (hash ^ byte) * 1099511628211ull;
     return hash;
 }
