@@ -6,7 +6,7 @@
 #include "audio/pcm_decoder.h"
 #include "tests/support/frame_compare.h"
 #include "tests/support/show_process.h"
-#include "tests/support/test_x_server.h"
+#include "tests/support/desktop_rig.h"
 
 #include <gtest/gtest.h>
 
@@ -134,8 +134,10 @@ TEST_F(ShowProcess, FullscreenFallsBackToTheScreenAsItIsAndLeavesItSo) {
 // size: the fullscreen show switches to it, every way out gives the original
 // size back, and --desktop takes the screen as it is.
 TEST_F(ShowProcess, TheSwitchedScreenComesBackOnEveryWayOut) {
-    TestXServer server(1024, 768);
-    ASSERT_TRUE(server.running()) << "Xvfb did not start";
+    std::string why;
+    const auto rig = DesktopRig::screen(1024, 768, dir_, &why);
+    ASSERT_NE(rig, nullptr) << why;
+    DesktopRig& server = *rig;
     ASSERT_TRUE(server.addMode(640, 480));
     const std::string original = "1024x768";
     ASSERT_EQ(server.currentSize(), original);
@@ -147,7 +149,7 @@ TEST_F(ShowProcess, TheSwitchedScreenComesBackOnEveryWayOut) {
         return sizeBecomes("640x480");
     };
 
-    ASSERT_TRUE(startSwitched()) << server.currentSize();
+    ASSERT_TRUE(startSwitched()) << server.currentSize() << readTextFile(dir_ + "/err.txt");
     key(window(server.display()), "Escape", server.display());
     EXPECT_EQ(finish().status, 0);
     EXPECT_EQ(server.currentSize(), original) << "after Escape";
@@ -235,8 +237,10 @@ std::vector<int> blackLines(const std::vector<uint8_t>& rgb, int width, int heig
 }
 
 TEST_F(ShowProcess, AWindowOrCaptureOfAnySizeHoldsTheFourThreePictureBetweenBlackBars) {
-    TestXServer server(1920, 1080);
-    ASSERT_TRUE(server.running());
+    std::string why;
+    const auto rig = DesktopRig::screen(1920, 1080, dir_, &why);
+    ASSERT_NE(rig, nullptr) << why;
+    DesktopRig& server = *rig;
     // Part 13's picture has no black line of its own. The 1920 x 1080
     // picture is 1440 x 1080 from x = 240; an odd margin's spare pixel goes to
     // the right or bottom bar, in a window as in a capture.
@@ -328,8 +332,10 @@ TEST_F(ShowProcess, TheMusicPlaysFromThePartsPlaceAtAStartAndAfterAJump) {
 }
 
 TEST_F(ShowProcess, APauseHoldsTheClockAndThePictureWhichFTakesToFullscreenAndBack) {
-    TestXServer server(1280, 720);
-    ASSERT_TRUE(server.running());
+    std::string why;
+    const auto rig = DesktopRig::screen(1280, 720, dir_, &why);
+    ASSERT_NE(rig, nullptr) << why;
+    DesktopRig& server = *rig;
     start({"--window", "--part", "7", "--nosound", "--verbose"}, server.display());
     const std::string id = window(server.display());
     ASSERT_FALSE(id.empty());

@@ -319,14 +319,4 @@ TEST(FrameRate, IsFramesTimesAThousandOverTheMillisecondsPlayedForMonths) {
     g_wallMillis = wallClock;
 }
 
-TEST(EndPath, PrintsTheFrameRateAndExitsWithZero) {
-    EXPECT_EXIT(
-        {
-            g_fullscreen = 0;
-            g_frameCount = 0;
-            runEndPath();
-        },
-        ::testing::ExitedWithCode(0), "");
-}
-
 }  // namespace

@@ -131,7 +131,6 @@ TEST_F(Capture, TheFirstFramesOfALargeCaptureAreTheSmallCapturesDrawnFiner) {
         std::vector<std::string> arguments = part13;
         arguments.insert(arguments.end(), {"--size", capture.size, "--aa", capture.samples});
         ASSERT_EQ(captureUntil(arguments, directory, 1), 130);
-        std::vector<PngImage> seen;
         for (int frame : {0, 1}) {
             const PngImage large = loadPng(dir_ + "/" + directory + frameName(frame));
             const PngImage small = loadPng(dir_ + "/small" + frameName(frame));
@@ -141,15 +140,7 @@ TEST_F(Capture, TheFirstFramesOfALargeCaptureAreTheSmallCapturesDrawnFiner) {
             EXPECT_LE(meanAbsoluteError(scaled, small), 5.0) << capture.size << ", frame " << frame;
             EXPECT_TRUE(barsAreBlack(large, capture.pictureX, capture.pictureX + 1440))
                 << capture.size << ", frame " << frame;
-            seen.push_back(small);
-            seen.push_back(fromDoubles(scaled, 640, 480));
         }
-        // For people to look at: frame 0 at 640 x 480 and at this size scaled, then frame 1 the same.
-        const PngImage all = sideBySide(seen);
-        std::string error;
-        EXPECT_TRUE(writePng(artifactPath("first-frames-" + directory + ".png"), all.width, all.height, 3,
-                             all.pixels.data(), false, 1, &error))
-            << error;
     }
 }
 

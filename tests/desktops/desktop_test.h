@@ -3,7 +3,7 @@
 // cannot start.
 #pragma once
 
-#include "tests/desktops/desktop_rig.h"
+#include "tests/support/desktop_rig.h"
 #include "tests/support/show_process.h"
 
 #include <memory>

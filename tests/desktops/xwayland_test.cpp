@@ -39,7 +39,7 @@ TEST_F(Xwayland, FullscreenWindowedAndDesktopShowsDrawTheirPictureAndLeaveTheScr
         std::vector<uint8_t> rgb;
         // Until the window has its size and its picture is drawn between black bars.
         within(10000, [&] {
-            rgb = windowContents(rig_->display(), id, &width, &height);
+            rgb = windowPixels(rig_->display(), id, &width, &height, true);
             const LitPixels lit =
                 litPixels(rgb, width, height, 0, run.pictureTop, width, run.pictureTop + run.pictureHeight);
             return width == run.width && height == run.height && !rgb.empty() && lit.outside == 0 &&

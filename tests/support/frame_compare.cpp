@@ -52,41 +52,6 @@ std::vector<double> asDoubles(const PngImage& image) {
     return rgb;
 }
 
-PngImage fromDoubles(const std::vector<double>& rgb, int width, int height) {
-    PngImage image;
-    image.width = width;
-    image.height = height;
-    image.channels = 3;
-    image.pixels.resize(rgb.size());
-    for (size_t i = 0; i < rgb.size(); ++i) {
-        image.pixels[i] = static_cast<uint8_t>(std::clamp(std::lround(rgb[i]), 0L, 255L));
-    }
-    return image;
-}
-
-PngImage sideBySide(const std::vector<PngImage>& images) {
-    PngImage all;
-    all.channels = 3;
-    for (const PngImage& image : images) {
-        all.width += image.width;
-        all.height = std::max(all.height, image.height);
-    }
-    all.pixels.assign(static_cast<size_t>(all.width) * all.height * 3, 0);
-    int left = 0;
-    for (const PngImage& image : images) {
-        for (int y = 0; y < image.height; ++y) {
-            for (int x = 0; x < image.width; ++x) {
-                for (int c = 0; c < 3; ++c) {
-                    all.pixels[(static_cast<size_t>(y) * all.width + left + x) * 3 + c] =
-                        image.pixels[(static_cast<size_t>(y) * image.width + x) * image.channels + c];
-                }
-            }
-        }
-        left += image.width;
-    }
-    return all;
-}
-
 PngImage loadPng(const std::string& path) {
     PngImage image;
     std::string error;

@@ -20,12 +20,6 @@ double meanAbsoluteError(const std::vector<double>& scaled, const PngImage& refe
 // RGB values of `image` as doubles, as scaledDown gives them.
 std::vector<double> asDoubles(const PngImage& image);
 
-// An RGB image of `rgb` values (rounded), width x height.
-PngImage fromDoubles(const std::vector<double>& rgb, int width, int height);
-
-// Images of the same height side by side, left to right, as one RGB image.
-PngImage sideBySide(const std::vector<PngImage>& images);
-
 // Whether `frame` is `reference` as the frame regressions count a match: the
 // same size, and at most one channel value in a thousand more than a rounding
 // step (16) away; a changed scene moves thousands.

@@ -50,25 +50,11 @@ bool endsWithFrameRateLine(const std::string& out) {
     return std::sscanf(out.c_str() + at, "fps: %lf%c", &value, &newline) == 2 && newline == '\n' && value >= 0;
 }
 
-// Copies `image` (its pixels from `fromX`, `fromY`) into the width-wide RGB
-// frame `rgb` at (`toX`, `toY`), `columns` x `rows` of them.
-void copyImage(XImage* image, int fromX, int fromY, int columns, int rows, std::vector<uint8_t>& rgb, int width,
-               int toX, int toY) {
-    for (int row = 0; row < rows; ++row) {
-        for (int column = 0; column < columns; ++column) {
-            const unsigned long pixel = XGetPixel(image, fromX + column, fromY + row);
-            uint8_t* out = &rgb[(static_cast<size_t>(toY + row) * width + (toX + column)) * 3];
-            out[0] = static_cast<uint8_t>(pixel >> 16);
-            out[1] = static_cast<uint8_t>(pixel >> 8);
-            out[2] = static_cast<uint8_t>(pixel);
-        }
-    }
-}
-
-std::vector<uint8_t> windowPixels(const std::string& display, const std::string& id, int* width, int* height) {
+std::vector<uint8_t> windowPixels(const std::string& display, const std::string& id, int* width, int* height,
+                                  bool own) {
     std::vector<uint8_t> rgb;
     Display* x = XOpenDisplay(display.c_str());
-    if (x == nullptr) {
+    if (x == nullptr || id.empty()) {
         return rgb;
     }
     const Window window = std::stoul(id);
@@ -82,20 +68,34 @@ std::vector<uint8_t> windowPixels(const std::string& display, const std::string&
         rgb[i] = 255;
         rgb[i + 2] = 255;
     }
-    // Read from the root window: the show's window may stand partly off the screen.
+    // From the root window unless asked otherwise: the show's window may stand partly off the screen.
     int left = 0;
     int top = 0;
     Window child = 0;
-    XTranslateCoordinates(x, window, root, 0, 0, &left, &top, &child);
+    if (!own) {
+        XTranslateCoordinates(x, window, root, 0, 0, &left, &top, &child);
+    }
     const int x0 = std::max(left, 0);
     const int y0 = std::max(top, 0);
-    const int x1 = std::min(left + *width, DisplayWidth(x, DefaultScreen(x)));
-    const int y1 = std::min(top + *height, DisplayHeight(x, DefaultScreen(x)));
-    if (x1 > x0 && y1 > y0) {
-        if (XImage* image = XGetImage(x, root, x0, y0, x1 - x0, y1 - y0, AllPlanes, ZPixmap)) {
-            copyImage(image, 0, 0, x1 - x0, y1 - y0, rgb, *width, x0 - left, y0 - top);
-            XDestroyImage(image);
+    const int x1 = own ? *width : std::min(left + *width, DisplayWidth(x, DefaultScreen(x)));
+    const int y1 = own ? *height : std::min(top + *height, DisplayHeight(x, DefaultScreen(x)));
+    XImage* image = x1 > x0 && y1 > y0 ? XGetImage(x, own ? window : root, x0, y0, static_cast<unsigned>(x1 - x0),
+                                                   static_cast<unsigned>(y1 - y0), AllPlanes, ZPixmap)
+                                       : nullptr;
+    if (image == nullptr && own) {
+        rgb.clear();
+    }
+    for (int row = 0; image != nullptr && row < y1 - y0; ++row) {
+        for (int column = 0; column < x1 - x0; ++column) {
+            const unsigned long pixel = XGetPixel(image, column, row);
+            uint8_t* out = &rgb[(static_cast<size_t>(y0 - top + row) * *width + (x0 - left + column)) * 3];
+            out[0] = static_cast<uint8_t>(pixel >> 16);
+            out[1] = static_cast<uint8_t>(pixel >> 8);
+            out[2] = static_cast<uint8_t>(pixel);
         }
+    }
+    if (image != nullptr) {
+        XDestroyImage(image);
     }
     XCloseDisplay(x);
     return rgb;
@@ -116,27 +116,6 @@ std::string windowRectangle(const std::string& display, const std::string& id) {
     XCloseDisplay(x);
     return std::to_string(attributes.width) + "x" + std::to_string(attributes.height) + "+" + std::to_string(left) +
            "+" + std::to_string(top);
-}
-
-std::vector<uint8_t> windowContents(const std::string& display, const std::string& id, int* width, int* height) {
-    std::vector<uint8_t> rgb;
-    Display* x = XOpenDisplay(display.c_str());
-    if (x == nullptr || id.empty()) {
-        return rgb;
-    }
-    const Window window = std::stoul(id);
-    XWindowAttributes attributes{};
-    XGetWindowAttributes(x, window, &attributes);
-    *width = attributes.width;
-    *height = attributes.height;
-    if (XImage* image = XGetImage(x, window, 0, 0, static_cast<unsigned>(*width), static_cast<unsigned>(*height),
-                                  AllPlanes, ZPixmap)) {
-        rgb.resize(static_cast<size_t>(*width) * *height * 3);
-        copyImage(image, 0, 0, *width, *height, rgb, *width, 0, 0);
-        XDestroyImage(image);
-    }
-    XCloseDisplay(x);
-    return rgb;
 }
 
 LitPixels litPixels(const std::vector<uint8_t>& rgb, int width, int height, int x0, int y0, int x1, int y1) {

@@ -45,16 +45,14 @@ bool within(int milliseconds, Condition condition) {
 bool endsWithFrameRateLine(const std::string& out);
 
 // What the screen shows of a window: red, green, blue per pixel of the window
-// (width x height of them); pixels off the screen stay at 255, 0, 255.
-std::vector<uint8_t> windowPixels(const std::string& display, const std::string& id, int* width, int* height);
+// (width x height of them); pixels off the screen stay at 255, 0, 255. `own`:
+// the window's own pixels as its X server holds them (for a server whose root
+// window cannot be read, as Xwayland's); empty when they cannot be read.
+std::vector<uint8_t> windowPixels(const std::string& display, const std::string& id, int* width, int* height,
+                                  bool own = false);
 
 // The window's rectangle on the screen, "WxH+X+Y"; "" when it cannot be read.
 std::string windowRectangle(const std::string& display, const std::string& id);
-
-// The window's own pixels as its X server holds them, red, green, blue (for a
-// server whose root window cannot be read, as Xwayland's); empty when it
-// cannot be read.
-std::vector<uint8_t> windowContents(const std::string& display, const std::string& id, int* width, int* height);
 
 // How many pixels of a width x height RGB frame are not black inside the
 // rectangle x0..x1, y0..y1 (exclusive ends) and outside it.

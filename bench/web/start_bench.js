@@ -7,14 +7,14 @@
 // drawn (the button pressed as soon as it works), the bytes on the wire until
 // that frame, and any file fetched twice. The median of RUNS runs. A report,
 // not a test.
-//   node tests/web/start_bench.js [SITE] [RUNS]   (default build-web/web, 3)
+//   node bench/web/start_bench.js [SITE] [RUNS]   (default build-web/web, 3)
 'use strict';
 
 const { execFileSync } = require('node:child_process');
 const fs = require('node:fs');
 const os = require('node:os');
 const path = require('node:path');
-const { launchBrowser, serveSite } = require('./browser.js');
+const { launchBrowser, serveSite } = require('../../tests/web/browser.js');
 
 const ROOT = path.resolve(__dirname, '../..');
 const SITE = path.resolve(process.argv[2] || process.env.KASKADE_SITE || path.join(ROOT, 'build-web/web'));

@@ -1,6 +1,7 @@
-#include "tests/desktops/desktop_rig.h"
+#include "tests/support/desktop_rig.h"
 
 #include "tests/support/fatal_catcher.h"
+#include "tests/support/show_process.h"
 
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
@@ -13,6 +14,8 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdio>
+#include <cstring>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -76,18 +79,6 @@ std::string readDisplayNumber(int fd, int timeoutMs) {
     return c == '\n' && !number.empty() ? ":" + number : "";
 }
 
-template <typename Condition>
-bool waitFor(Condition condition, int timeoutMs) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            return false;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    }
-    return true;
-}
-
 bool takesClients(const std::string& display) {
     Display* x = XOpenDisplay(display.c_str());
     if (x != nullptr) {
@@ -120,18 +111,17 @@ bool windowManagerRuns(const std::string& display, bool ewmh) {
     return (root.all_event_masks & SubstructureRedirectMask) != 0 && (named || !ewmh);
 }
 
-std::string fileText(const std::string& path) {
-    std::ifstream in(path);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
 }  // namespace
 
-std::unique_ptr<DesktopRig> DesktopRig::start(Kind kind, const std::string& workDir, std::string* whyNot) {
+std::unique_ptr<DesktopRig> DesktopRig::screen(int width, int height, const std::string& workDir, std::string* whyNot) {
+    return start(Kind::Screen, workDir, whyNot, std::to_string(width) + "x" + std::to_string(height));
+}
+
+std::unique_ptr<DesktopRig> DesktopRig::start(Kind kind, const std::string& workDir, std::string* whyNot,
+                                              const std::string& size) {
     std::unique_ptr<DesktopRig> rig(new DesktopRig);
     rig->kind_ = kind;
+    rig->size_ = size;
     rig->workDir_ = workDir;
     const bool monitors = kind == Kind::TwoMonitors || kind == Kind::ThreeMonitors || kind == Kind::TwoMonitorsOpenbox;
     const bool openbox = kind == Kind::Openbox || kind == Kind::TwoMonitorsOpenbox;
@@ -144,7 +134,7 @@ std::unique_ptr<DesktopRig> DesktopRig::start(Kind kind, const std::string& work
         return nullptr;
     }
     if ((openbox && !onPath("openbox")) || (kind == Kind::Twm && !onPath("twm")) ||
-        ((kind == Kind::Openbox || kind == Kind::Twm) && !onPath("Xvfb"))) {
+        ((kind == Kind::Openbox || kind == Kind::Twm || kind == Kind::Screen) && !onPath("Xvfb"))) {
         *whyNot = "the window-manager desktops need xvfb, openbox and twm";
         return nullptr;
     }
@@ -160,15 +150,15 @@ std::unique_ptr<DesktopRig> DesktopRig::start(Kind kind, const std::string& work
                                        "--socket=wl-kaskade", "--width=1280", "--height=1024", "--log=" + log},
                                       {"XDG_RUNTIME_DIR=" + runtime}, workDir + "/weston.out"));
         const std::string marker = "xserver listening on display ";
-        waitFor([&] { return fileText(log).find(marker) != std::string::npos; }, 10000);
-        const std::string text = fileText(log);
+        within(10000, [&] { return readTextFile(log).find(marker) != std::string::npos; });
+        const std::string text = readTextFile(log);
         const size_t at = text.find(marker);
         if (at != std::string::npos) {
             rig->display_ = text.substr(at + marker.size(), text.find_first_not_of(":0123456789", at + marker.size()) -
                                                                 (at + marker.size()));
         }
         // Xwayland itself starts with its first client.
-        if (rig->display_.empty() || !waitFor([&] { return takesClients(rig->display_); }, 10000)) {
+        if (rig->display_.empty() || !within(10000, [&] { return takesClients(rig->display_); })) {
             *whyNot = "weston or its Xwayland did not start (see " + log + ")";
             return nullptr;
         }
@@ -186,7 +176,7 @@ std::unique_ptr<DesktopRig> DesktopRig::start(Kind kind, const std::string& work
                                        workDir + "/xorg.log"},
                                       {}, workDir + "/xorg.out", ends[1]));
     } else {
-        rig->servers_.push_back(spawn({"Xvfb", "-displayfd", fd, "-screen", "0", "1280x1024x24", "-noreset",
+        rig->servers_.push_back(spawn({"Xvfb", "-displayfd", fd, "-screen", "0", rig->size_ + "x24", "-noreset",
                                        "-nolisten", "tcp"},
                                       {}, workDir + "/xvfb.out", ends[1]));
     }
@@ -203,7 +193,7 @@ std::unique_ptr<DesktopRig> DesktopRig::start(Kind kind, const std::string& work
         rig->servers_.push_back(spawn(openbox ? std::vector<std::string>{"openbox", "--config-file", config}
                                               : std::vector<std::string>{"twm"},
                                       {"DISPLAY=" + rig->display_}, workDir + "/window-manager.out"));
-        if (!waitFor([&] { return windowManagerRuns(rig->display_, openbox); }, 10000)) {
+        if (!within(10000, [&] { return windowManagerRuns(rig->display_, openbox); })) {
             *whyNot = "the window manager did not start";
             return nullptr;
         }
@@ -242,11 +232,41 @@ void DesktopRig::killWindowManager() {
     }
 }
 
+bool DesktopRig::addMode(int width, int height) const {
+    const std::string xrandr = "DISPLAY=" + display_ + " xrandr ";
+    const std::string name = std::to_string(width) + "x" + std::to_string(height);
+    const std::string sides = std::to_string(width) + " " + std::to_string(width) + " " + std::to_string(width) +
+                              " " + std::to_string(width) + " " + std::to_string(height) + " " +
+                              std::to_string(height) + " " + std::to_string(height) + " " + std::to_string(height);
+    const double clock = width * height * 60 / 1e6;
+    return std::system((xrandr + "--newmode " + name + " " + std::to_string(clock) + " " + sides + " && " + xrandr +
+                        "--addmode screen " + name + " >/dev/null 2>&1")
+                           .c_str()) == 0;
+}
+
+std::string DesktopRig::currentSize() const {
+    FILE* pipe = popen(("DISPLAY=" + display_ + " xrandr 2>/dev/null").c_str(), "r");
+    int width = 0;
+    int height = 0;
+    char line[512];
+    while (pipe != nullptr && std::fgets(line, sizeof line, pipe) != nullptr) {
+        // The first lit output's mode, which a switch changes; the screen's
+        // own size ("current") stays as it was.
+        if (const char* lit = std::strstr(line, " connected "); lit != nullptr && width == 0) {
+            std::sscanf(lit, " connected%*[^0-9]%dx%d+", &width, &height);
+        }
+    }
+    if (pipe != nullptr) {
+        pclose(pipe);
+    }
+    return width > 0 ? std::to_string(width) + "x" + std::to_string(height) : "";
+}
+
 DesktopRig::~DesktopRig() {
     for (auto server = servers_.rbegin(); server != servers_.rend(); ++server) {
         kill(*server, SIGTERM);
         int status = 0;
-        if (!waitFor([&] { return waitpid(*server, &status, WNOHANG) != 0; }, 5000)) {
+        if (!within(5000, [&] { return waitpid(*server, &status, WNOHANG) != 0; })) {
             kill(*server, SIGKILL);
             waitpid(*server, &status, 0);
         }
