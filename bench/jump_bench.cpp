@@ -6,14 +6,12 @@
 //                          loaded once; one line per pair and run: FROM TO MS
 //   jump_bench cold PART   one jump from part 1 to PART in a fresh show, which
 //                          reads parts 2..PART from the archive first: PART MS
-#include "app/desktop/player/desktop_player.h"
-#include "app/desktop/capture/frame_target.h"
-#include "app/desktop/options.h"
 #include "app/player.h"
 #include "app/sequencer.h"
 #include "app/shell.h"
 #include "app/show_start.h"
 #include "audio/music.h"
+#include "bench/show_window.h"
 
 #include <GL/freeglut.h>
 
@@ -36,29 +34,6 @@ double timeJump(int32_t part) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - asked).count() * 1000.0;
 }
 
-void playFrames(int frames) {
-    for (int i = 0; i < frames; ++i) {
-        onFrame();
-        glutMainLoopEvent();
-    }
-}
-
-void openShow(int* argc, char** argv) {
-    g_soundEnabled = true;
-    openMusic("harbour.mp3");
-    glutInit(argc, argv);
-    glutInitDisplayMode(GLUT_RGB | GLUT_DOUBLE | GLUT_DEPTH);
-    glutInitWindowSize(640, 480);
-    glutCreateWindow("kaskade [12]");
-    initGlState();
-    fitToWindow(640, 480);
-    ShowOptions options;
-    options.windowed = true;
-    installDesktopPlayer(options);
-    startShowAt(1, 0);
-    playFrames(FRAMES_BEFORE);
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -69,7 +44,7 @@ int main(int argc, char** argv) {
         std::fputs("usage: jump_bench warm RUNS | jump_bench cold PART (2..13)\n", stderr);
         return 2;
     }
-    openShow(&argc, argv);
+    openShowWindow(&argc, argv, FRAMES_BEFORE);
     if (cold) {
         std::printf("%d %.1f\n", number, timeJump(number));
         return 0;

@@ -13,14 +13,12 @@
 //                         back: "back SECONDS MS PART CPU_MS"
 // MS is the wall time, CPU_MS what every thread of the process spent: on a
 // machine shared with other work, the wall time waits for them too.
-#include "app/desktop/capture/frame_target.h"
-#include "app/desktop/options.h"
-#include "app/desktop/player/desktop_player.h"
 #include "app/player.h"
 #include "app/sequencer.h"
 #include "app/shell.h"
 #include "app/show_start.h"
 #include "audio/music.h"
+#include "bench/show_window.h"
 #include "parts/part_schedule.h"
 
 #include <GL/freeglut.h>
@@ -59,29 +57,6 @@ Spent timeFrame(const std::function<void()>& ask) {
             cpuMillis() - cpu};
 }
 
-void playFrames(int frames) {
-    for (int i = 0; i < frames; ++i) {
-        onFrame();
-        glutMainLoopEvent();
-    }
-}
-
-void openShow(int* argc, char** argv) {
-    g_soundEnabled = true;
-    openMusic("harbour.mp3");
-    glutInit(argc, argv);
-    glutInitDisplayMode(GLUT_RGB | GLUT_DOUBLE | GLUT_DEPTH);
-    glutInitWindowSize(640, 480);
-    glutCreateWindow("kaskade [12]");
-    initGlState();
-    fitToWindow(640, 480);
-    ShowOptions options;
-    options.windowed = true;
-    installDesktopPlayer(options);
-    startShowAt(1, 0);
-    playFrames(FRAMES_BEFORE);
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -92,7 +67,7 @@ int main(int argc, char** argv) {
         std::fputs("usage: seek_bench seek|back RUNS\n", stderr);
         return 2;
     }
-    openShow(&argc, argv);
+    openShowWindow(&argc, argv, FRAMES_BEFORE);
     // Every part loaded once, so that only the seeks are timed.
     timeFrame([] { playerJumpTo(PART_COUNT); });
     playFrames(FRAMES_BEFORE);

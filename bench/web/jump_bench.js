@@ -26,40 +26,21 @@ const RUNS = Number(process.argv[SEEKS ? 3 : 2] || 3);
 const PARTS = 13;
 
 // Runs in the page: the milliseconds until the end of the next frame of
-// `part` drawn, its drawing finished; with `jump`, from asking for `part`
-// (without, the floor: the rest of the display's frame and an ordinary frame
-// of part `part`, which plays).
-async function timeFrameInPage([part, jump]) {
-  const shown = () => window.kaskade.partCounts()[part - 1].frames;
+// `part` (0: of any part) drawn, its drawing finished; with `jump`, from
+// asking for `part`; with `seconds`, from a seek there (with neither, the
+// floor: the rest of the display's frame and an ordinary frame, which plays).
+async function timeFrameInPage([part, jump, seconds]) {
+  const shown = () => window.kaskade.partCounts().reduce((sum, counts, i) =>
+    sum + (part === 0 || i === part - 1 ? counts.frames : 0), 0);
   const before = shown();
   const gl = document.getElementById('canvas').getContext('webgl2');
   const pixel = new Uint8Array(4);
   const asked = performance.now();
-  if (jump) {
+  if (seconds !== undefined) {
+    Module._kaskade_seek_to(seconds);
+  } else if (jump) {
     Module._kaskade_jump_to(part);
   }
-  return new Promise((resolve) => {
-    const check = () => {
-      if (shown() > before) {
-        gl.readPixels(0, 0, 1, 1, gl.RGBA, gl.UNSIGNED_BYTE, pixel);
-        resolve(performance.now() - asked);
-      } else {
-        requestAnimationFrame(check);
-      }
-    };
-    requestAnimationFrame(check);
-  });
-}
-
-// Runs in the page: the milliseconds from a seek to `seconds` to the end of
-// the next frame drawn (any part's), its drawing finished.
-async function timeSeekInPage(seconds) {
-  const shown = () => window.kaskade.partCounts().reduce((sum, part) => sum + part.frames, 0);
-  const before = shown();
-  const gl = document.getElementById('canvas').getContext('webgl2');
-  const pixel = new Uint8Array(4);
-  const asked = performance.now();
-  Module._kaskade_seek_to(seconds);
   return new Promise((resolve) => {
     const check = () => {
       if (shown() > before) {
@@ -124,9 +105,9 @@ async function seekGrid(browser, siteUrl) {
   const best = new Array(seconds).fill(Infinity);
   for (let run = 0; run < RUNS; ++run) {
     for (let t = 0; t < seconds; ++t) {
-      await page.evaluate(timeSeekInPage, (t + seconds / 2) % seconds);
+      await page.evaluate(timeFrameInPage, [0, false, (t + seconds / 2) % seconds]);
       await page.evaluate(framesInPage, 2);
-      best[t] = Math.min(best[t], await page.evaluate(timeSeekInPage, t));
+      best[t] = Math.min(best[t], await page.evaluate(timeFrameInPage, [0, false, t]));
     }
   }
   await page.close();
