@@ -151,8 +151,9 @@ TEST_F(WholeShow, A1440By1080FrameScaledDownIsTheReferenceFrame) {
         const std::vector<double> scaled = scaledDown(large, 640, 480);
         EXPECT_LE(meanAbsoluteError(scaled, reference), 5.0) << directory;
         if (f.part == 3) {
-            // As much line as at 640 x 480 (measured 0.95 to 0.99 of it; one-pixel lines leave 0.80).
-            EXPECT_NEAR(lineInk(scaled) / lineInk(asDoubles(reference)), 1.0, 0.1) << directory;
+            // As much line as at 640 x 480 (measured 0.95 to 0.99 of it; one-pixel lines leave
+            // 0.80, lines a third wider, as the picture's width would make them, 1.09).
+            EXPECT_NEAR(lineInk(scaled) / lineInk(asDoubles(reference)), 0.97, 0.07) << directory;
         }
     }
 }
