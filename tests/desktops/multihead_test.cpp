@@ -1,5 +1,5 @@
 // The fullscreen show (no arguments) on a screen of several monitors: during
-// the show only the primary monitor is at 640 x 480, the show's window over
+// the show only the primary monitor is at 640 x 480 (at its own refresh rate), the show's window over
 // it, every other monitor as it was; after every way out (Escape, SIGTERM, a
 // fatal report, a crash, SIGKILL, a lost X connection) every CRTC is as it was, modes, refresh
 // rates, positions, rotations, outputs and the primary output alike.
@@ -47,7 +47,7 @@ protected:
         CrtcTable during;
         if (name != FATAL_REPORT.name) {
             ASSERT_TRUE(within(10000, [&] {
-                return readCrtcTable(display).crtcOf("DUMMY0").find(" 640x480@") != std::string::npos;
+                return readCrtcTable(display).crtcOf("DUMMY0").find(" 640x480@75.00 ") != std::string::npos;
             })) << readCrtcTable(display).text();
             during = readCrtcTable(display);
             // Only the primary monitor's CRTC changed, in place; the screen kept its size.
