@@ -11,6 +11,7 @@
 
 #include <signal.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -236,7 +237,7 @@ TEST_F(Capture, AnEncoderThatDiesEndsTheShowAtOnceSayingSo) {
     EXPECT_GT(probeVideo(dir_ + "/dies.mkv")["video frames"], 0) << "nothing of the video plays";
 }
 
-TEST_F(Capture, OneCtrlCWhileTheEndPathFinishesTheFileLetsItFinish) {
+TEST_F(Capture, OneCtrlCWhileTheEndPathFinishesTheFileLetsItFinishASecondEndsAtOnce) {
     // An encoder that, once its input ends, says so and finishes its file
     // only when the test lets it.
     ASSERT_EQ(mkdir((dir_ + "/bin").c_str(), 0755), 0);
@@ -245,18 +246,33 @@ TEST_F(Capture, OneCtrlCWhileTheEndPathFinishesTheFileLetsItFinish) {
                                            ": > \"$(eval echo \\${$#})\"\n";
     ASSERT_EQ(chmod((dir_ + "/bin/ffmpeg").c_str(), 0755), 0);
     environment_ = {"PATH=" + dir_ + "/bin:" + std::getenv("PATH")};
-    start({"--capture", "slow.mp4", "--nosound"});
-    const std::string id = window();
-    ASSERT_FALSE(id.empty());
-    key(id, "Escape");
-    ASSERT_TRUE(within(20000, [&] { return access((dir_ + "/input-ended").c_str(), F_OK) == 0; }));
-    // The show now waits for its encoder in the end path.
-    ASSERT_EQ(kill(pid_, SIGINT), 0) << "the show ended before its encoder did";
-    std::ofstream(dir_ + "/finish");
-    const ShowResult result = finish();
-    EXPECT_EQ(result.status, 0) << "Escape's way out, finished";
-    EXPECT_TRUE(endsWithFrameRateLine(result.out)) << result.out;
-    EXPECT_EQ(access((dir_ + "/slow.mp4").c_str(), F_OK), 0) << "the encoder was stopped before its end";
+    for (const bool again : {false, true}) {
+        std::remove((dir_ + "/input-ended").c_str());
+        std::remove((dir_ + "/finish").c_str());
+        start({"--capture", "slow.mp4", "--nosound"});
+        const std::string id = window();
+        ASSERT_FALSE(id.empty());
+        key(id, "Escape");
+        ASSERT_TRUE(within(20000, [&] { return access((dir_ + "/input-ended").c_str(), F_OK) == 0; }));
+        // The show now waits for its encoder in the end path.
+        ASSERT_EQ(kill(pid_, SIGINT), 0) << "the show ended before its encoder did";
+        if (again) {
+            // Ctrl-C again and again: the next one taken ends the show at once.
+            siginfo_t ended{};
+            EXPECT_TRUE(within(10000, [&] {
+                kill(pid_, SIGINT);
+                return waitid(P_PID, static_cast<id_t>(pid_), &ended, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+                       ended.si_pid != 0;
+            })) << "a second Ctrl-C during the end path did not end the show";
+        }
+        std::ofstream(dir_ + "/finish");
+        const ShowResult result = finish();
+        EXPECT_EQ(result.status, again ? 130 : 0) << "Escape's way out finished, or a second Ctrl-C's at once";
+        if (!again) {
+            EXPECT_TRUE(endsWithFrameRateLine(result.out)) << result.out;
+            EXPECT_EQ(access((dir_ + "/slow.mp4").c_str(), F_OK), 0) << "the encoder was stopped before its end";
+        }
+    }
 }
 
 TEST_F(Capture, TwoCtrlCsDuringAPngCaptureLeaveOnlyWholeFrames) {
