@@ -11,6 +11,7 @@
 #include <sstream>
 
 #include "app/desktop/capture/png_file.h"
+#include "tests/support/frame_compare.h"
 #include "tests/engine/text_cases.h"
 #include "tests/resources/resource_test_files.h"
 #include "tests/support/fatal_catcher.h"
@@ -28,12 +29,6 @@ TEST_P(ToolCases, PrintExitAndWriteWhatIsWrittenDown) {
     }
     WorkingTempDir directory;
     std::string output, last;
-    const auto png = [](const std::string& path) {
-        PngImage image;
-        std::string error;
-        EXPECT_TRUE(readPng(path, &image, &error)) << error;
-        return image;
-    };
     const auto write = [](const std::string& name, const std::vector<uint8_t>& bytes) {
         std::filesystem::create_directories(std::filesystem::path(name).parent_path().string() + "/.");
         writeBytes(name, bytes);
@@ -76,12 +71,12 @@ TEST_P(ToolCases, PrintExitAndWriteWhatIsWrittenDown) {
                 output += w[k] + ": " + std::to_string(count) + " times, sum " + std::to_string(sum) + "\n";
             }
         } else if (w[0] == "same") {
-            const PngImage a = png(w.at(1)), b = png(w.at(2));
+            const PngImage a = loadPng(w.at(1)), b = loadPng(w.at(2));
             const size_t bytes = w.size() > 3 ? std::stoul(w[3]) * a.width * a.channels : a.pixels.size();
             const bool same = a.pixels.size() == b.pixels.size() && std::equal(a.pixels.begin(), a.pixels.begin() + static_cast<long>(bytes), b.pixels.begin());
             output += line + (same ? ": same\n" : ": different\n");
         } else if (w[0] == "colour") {
-            const PngImage image = png(w.at(1));
+            const PngImage image = loadPng(w.at(1));
             size_t count = 0;
             for (size_t i = 0; i + 2 < image.pixels.size(); i += image.channels) {
                 const int r = image.pixels[i], g = image.pixels[i + 1], b = image.pixels[i + 2];

@@ -9,12 +9,10 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
-#include <thread>
 
 const char* const SHORT_SONG_WARNING =
     "kaskade: harbour.mp3 lasts 20.0 s, shorter than the show (226.9 s): the show will not get past part 1\n";
@@ -211,16 +209,11 @@ void ShowProcess::key(const std::string& id, const std::string& key, const std::
 
 ShowResult ShowProcess::finish(int seconds) {
     ShowResult result;
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
     int status = 0;
-    while (waitpid(pid_, &status, WNOHANG) == 0) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            kill(pid_, SIGKILL);
-            waitpid(pid_, &status, 0);
-            ADD_FAILURE() << "kaskade did not end within " << seconds << " s";
-            break;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    if (!within(seconds * 1000, [&] { return waitpid(pid_, &status, WNOHANG) != 0; })) {
+        kill(pid_, SIGKILL);
+        waitpid(pid_, &status, 0);
+        ADD_FAILURE() << "kaskade did not end within " << seconds << " s";
     }
     pid_ = -1;
     result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
