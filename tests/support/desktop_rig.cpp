@@ -13,13 +13,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <cstdio>
-#include <cstring>
 #include <cstdlib>
-#include <fstream>
 #include <sstream>
-#include <thread>
 
 namespace {
 
@@ -245,19 +241,15 @@ bool DesktopRig::addMode(int width, int height) const {
 }
 
 std::string DesktopRig::currentSize() const {
-    FILE* pipe = popen(("DISPLAY=" + display_ + " xrandr 2>/dev/null").c_str(), "r");
+    std::istringstream lines(runCommand(onDisplay(display_) + "xrandr 2>/dev/null"));
     int width = 0;
     int height = 0;
-    char line[512];
-    while (pipe != nullptr && std::fgets(line, sizeof line, pipe) != nullptr) {
-        // The first lit output's mode, which a switch changes; the screen's
-        // own size ("current") stays as it was.
-        if (const char* lit = std::strstr(line, " connected "); lit != nullptr && width == 0) {
-            std::sscanf(lit, " connected%*[^0-9]%dx%d+", &width, &height);
+    // The first lit output's mode, which a switch changes; the screen's own
+    // size ("current") stays as it was.
+    for (std::string line; width == 0 && std::getline(lines, line);) {
+        if (const size_t lit = line.find(" connected "); lit != std::string::npos) {
+            std::sscanf(line.c_str() + lit, " connected%*[^0-9]%dx%d+", &width, &height);
         }
-    }
-    if (pipe != nullptr) {
-        pclose(pipe);
     }
     return width > 0 ? std::to_string(width) + "x" + std::to_string(height) : "";
 }
